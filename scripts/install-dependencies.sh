@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and measuring Korvane needs.
+# Does nothing, and asks no package server, when all of them are there already.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build ccache pkg-config
+  qt6-base-dev          # Qt Core and Network; Qt SQL is the peer of the benchmarks
+  libqt6sql6-sqlite     # the driver of that peer
+  libsqlite3-dev        # the embedded engine
+  sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
+  mdbtools-dev          # libmdb, the reader of Jet files
+  libicu-dev            # code page 936, simplified and traditional Chinese
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+installed() { [ "$(dpkg-query -W -f='${db:Status-Abbrev}' "$1" 2>/dev/null)" = 'ii ' ]; }
+
+missing=()
+for package in "${packages[@]}"; do installed "$package" || missing+=("$package"); done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "Installing: ${missing[*]}"
+"${as_root[@]}" apt-get update -q
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
