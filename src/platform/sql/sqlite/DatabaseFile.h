@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/sql/sqlite/SqliteDatabase.h"
+
+#include <memory>
+
+namespace Korvane {
+
+/// Opens a database file after looking at what it is. Raises ESqlError with the file's name
+/// when it is missing, a folder, empty, of another format or cannot be read.
+std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode);
+
+/// Makes a new database file with its metadata. Raises ESqlError when the file exists or
+/// cannot be written, and leaves nothing behind then.
+void CreateDatabaseFile(const QString &fileName, const QString &password);
+
+/// Removes a database file and what the engine keeps beside it. Raises ESqlError.
+void RemoveDatabaseFile(const QString &fileName);
+
+/// Sees to it that the file has the journal that its place allows: a write-ahead log, or a
+/// rollback journal on network file systems, where a log's shared memory does not work.
+void ChooseJournal(TSqliteDatabase &database);
+
+} // namespace Korvane

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "platform/sql/sqlite/SqliteDatabase.h"
+
+#include "platform/sql/sqlite/SqliteErrors.h"
+
+#include <QDir>
+#include <QSet>
+
+#include <sqlite3.h>
+
+namespace Korvane {
+
+TSqliteDatabase::TSqliteDatabase(const QString &fileName, TSqliteOpen mode) : FFileName(fileName)
+{
+    int flags = SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
+    switch (mode) {
+    case TSqliteOpen::ReadOnly:
+        flags |= SQLITE_OPEN_READONLY;
+        break;
+    case TSqliteOpen::ReadWrite:
+        flags |= SQLITE_OPEN_READWRITE;
+        break;
+    case TSqliteOpen::Create:
+        flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+        break;
+    case TSqliteOpen::Memory:
+        flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
+        break;
+    }
+    const QByteArray path =
+        mode == TSqliteOpen::Memory ? QByteArray(":memory:") : QDir::toNativeSeparators(fileName).toUtf8();
+    const int code = sqlite3_open_v2(path.constData(), &FHandle, flags, nullptr);
+    if (code == SQLITE_OK)
+        return;
+    const QString text = FHandle ? QString::fromUtf8(sqlite3_errmsg(FHandle)) : QString();
+    sqlite3_close_v2(FHandle);
+    throw ESqlError(DescribeSqliteError(code, text, fileName), code);
+}
+
+TSqliteDatabase::~TSqliteDatabase() { sqlite3_close_v2(FHandle); }
+
+void TSqliteDatabase::Run(const QByteArray &sql)
+{
+    QByteArray rest = sql;
+    while (!rest.isEmpty()) {
+        TSqliteStatement statement(*this, rest, &rest);
+        if (statement.IsValid())
+            while (statement.Step()) {
+            }
+    }
+}
+
+QString TSqliteDatabase::Value(const QByteArray &sql)
+{
+    TSqliteStatement statement(*this, sql);
+    return statement.Step() ? statement.String(0) : QString();
+}
+
+qint64 TSqliteDatabase::Changes() const { return sqlite3_changes64(FHandle); }
+
+bool TSqliteDatabase::InTransaction() const { return sqlite3_get_autocommit(FHandle) == 0; }
+
+void TSqliteDatabase::Fail() const
+{
+    const int code = sqlite3_extended_errcode(FHandle);
+    throw ESqlError(DescribeSqliteError(code, QString::fromUtf8(sqlite3_errmsg(FHandle)), FFileName), code);
+}
+
+TSqliteStatement::TSqliteStatement(TSqliteDatabase &database, const QByteArray &sql, QByteArray *rest)
+    : FDatabase(database)
+{
+    const char *tail = nullptr;
+    const QByteArray text = sql; // rest may be the same object
+    if (sqlite3_prepare_v2(database.Handle(), text.constData(), int(text.size()), &FStatement, &tail) != SQLITE_OK)
+        database.Fail();
+    if (rest)
+        *rest = text.mid(tail - text.constData());
+}
+
+TSqliteStatement::~TSqliteStatement() { sqlite3_finalize(FStatement); }
+
+void TSqliteStatement::BindNull(int index) { sqlite3_bind_null(FStatement, index); }
+void TSqliteStatement::BindInt(int index, qint64 value) { sqlite3_bind_int64(FStatement, index, value); }
+void TSqliteStatement::BindDouble(int index, double value) { sqlite3_bind_double(FStatement, index, value); }
+
+void TSqliteStatement::BindText(int index, std::string_view utf8)
+{
+    if (sqlite3_bind_text64(FStatement, index, utf8.data() ? utf8.data() : "", utf8.size(), SQLITE_TRANSIENT,
+                            SQLITE_UTF8) != SQLITE_OK)
+        FDatabase.Fail();
+}
+
+void TSqliteStatement::BindBlob(int index, std::string_view bytes)
+{
+    if (sqlite3_bind_blob64(FStatement, index, bytes.data() ? bytes.data() : "", bytes.size(), SQLITE_TRANSIENT) !=
+        SQLITE_OK)
+        FDatabase.Fail();
+}
+
+void TSqliteStatement::Bind(int index, const QVariant &value)
+{
+    if (value.isNull())
+        return BindNull(index);
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Short:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        return BindInt(index, value.toLongLong());
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return BindDouble(index, value.toDouble());
+    case QMetaType::QByteArray: {
+        const QByteArray bytes = value.toByteArray();
+        return BindBlob(index, {bytes.constData(), size_t(bytes.size())});
+    }
+    default: {
+        const QByteArray text = value.toString().toUtf8();
+        return BindText(index, {text.constData(), size_t(text.size())});
+    }
+    }
+}
+
+void TSqliteStatement::Bind(std::span<const TSqlParameter> parameters)
+{
+    for (const TSqlParameter &parameter : parameters) {
+        const QByteArray name = ':' + parameter.Name.toUtf8();
+        if (const int index = sqlite3_bind_parameter_index(FStatement, name.constData()))
+            Bind(index, parameter.Value);
+    }
+}
+
+bool TSqliteStatement::Step()
+{
+    switch (sqlite3_step(FStatement)) {
+    case SQLITE_ROW:
+        return true;
+    case SQLITE_DONE:
+        return false;
+    default:
+        FDatabase.Fail();
+    }
+}
+
+void TSqliteStatement::Reset()
+{
+    sqlite3_reset(FStatement);
+    sqlite3_clear_bindings(FStatement);
+}
+
+int TSqliteStatement::ColumnCount() const { return sqlite3_column_count(FStatement); }
+bool TSqliteStatement::IsNull(int column) const { return sqlite3_column_type(FStatement, column) == SQLITE_NULL; }
+qint64 TSqliteStatement::Int(int column) const { return sqlite3_column_int64(FStatement, column); }
+double TSqliteStatement::Double(int column) const { return sqlite3_column_double(FStatement, column); }
+
+std::string_view TSqliteStatement::Text(int column) const
+{
+    // NOTE: the bytes are asked for after the text, since the first call may convert.
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(FStatement, column));
+    return {text ? text : "", size_t(text ? sqlite3_column_bytes(FStatement, column) : 0)};
+}
+
+std::string_view TSqliteStatement::Blob(int column) const
+{
+    const auto *bytes = static_cast<const char *>(sqlite3_column_blob(FStatement, column));
+    return {bytes ? bytes : "", size_t(bytes ? sqlite3_column_bytes(FStatement, column) : 0)};
+}
+
+QString TSqliteStatement::String(int column) const
+{
+    const std::string_view text = Text(column);
+    return QString::fromUtf8(text.data(), qsizetype(text.size()));
+}
+
+namespace {
+
+/// The two numbers of a declared type's brackets, 0 where there are none.
+void ReadDeclaredSize(const QString &declared, TPacketField &field)
+{
+    const qsizetype open = declared.indexOf(QLatin1Char('('));
+    const qsizetype close = declared.indexOf(QLatin1Char(')'), open);
+    if (open < 0 || close < 0)
+        return;
+    const QStringList numbers = declared.mid(open + 1, close - open - 1).split(QLatin1Char(','));
+    field.Size = numbers.value(0).trimmed().toInt();
+    field.Precision = numbers.value(1).trimmed().toInt();
+}
+
+struct TDeclaredType
+{
+    const char *Part;
+    TFieldType Type;
+};
+
+/// First match wins; the parts are looked for in the declared type in lower case, as the
+/// engine itself does for its affinities (sqlite.org/datatype3.html).
+constexpr TDeclaredType DeclaredTypes[] = {
+    {"char", ftString},     {"datetime", ftString}, {"guid", ftString},      {"blob", ftBlob},
+    {"image", ftBlob},      {"binary", ftBlob},     {"clob", ftMemo},        {"text", ftMemo},
+    {"memo", ftMemo},       {"bigint", ftLargeint}, {"smallint", ftSmallint}, {"int", ftInteger},
+    {"decimal", ftFloat},   {"numeric", ftFloat},   {"money", ftCurrency},   {"currency", ftCurrency},
+    {"float", ftFloat},     {"real", ftFloat},      {"doub", ftFloat},       {"bool", ftBoolean},
+    {"bit", ftBoolean},     {"long", ftInteger},    {"short", ftSmallint},
+};
+
+TPacketField DeclaredField(const char *declaredType)
+{
+    TPacketField field;
+    const QString declared = QString::fromUtf8(declaredType).toLower();
+    for (const TDeclaredType &entry : DeclaredTypes)
+        if (declared.contains(QLatin1String(entry.Part))) {
+            field.Type = entry.Type;
+            ReadDeclaredSize(declared, field);
+            break;
+        }
+    return field;
+}
+
+/// A result may name two columns alike: later ones get "_1", "_2" … behind the name. The
+/// engine's own way to tell them apart, ":1", becomes the same.
+QString UniqueName(QString name, QSet<QString> &taken)
+{
+    const qsizetype colon = name.lastIndexOf(QLatin1Char(':'));
+    if (colon > 0)
+        name.replace(colon, 1, QLatin1Char('_'));
+    QString unique = name;
+    for (int i = 1; taken.contains(unique.toLower()); ++i)
+        unique = name + QLatin1Char('_') + QString::number(i);
+    taken.insert(unique.toLower());
+    return unique;
+}
+
+} // namespace
+
+TDataPacket TSqliteStatement::ReadAll()
+{
+    const int columns = ColumnCount();
+    QList<TPacketField> fields;
+    QSet<QString> taken;
+    for (int i = 0; i < columns; ++i) {
+        TPacketField field = DeclaredField(sqlite3_column_decltype(FStatement, i));
+        field.Name = UniqueName(QString::fromUtf8(sqlite3_column_name(FStatement, i)), taken);
+        fields.append(field);
+    }
+    TDataPacketBuilder builder(std::move(fields));
+    while (Step()) {
+        for (int i = 0; i < columns; ++i) {
+            switch (sqlite3_column_type(FStatement, i)) {
+            case SQLITE_INTEGER:
+                builder.AppendInt(i, sqlite3_column_int64(FStatement, i));
+                break;
+            case SQLITE_FLOAT:
+                builder.AppendDouble(i, sqlite3_column_double(FStatement, i));
+                break;
+            case SQLITE_TEXT:
+                builder.AppendText(i, Text(i));
+                break;
+            case SQLITE_BLOB:
+                builder.AppendBlob(i, Blob(i));
+                break;
+            default:
+                builder.AppendNull(i);
+                break;
+            }
+        }
+        builder.EndRow();
+    }
+    return std::move(builder).Build();
+}
+
+} // namespace Korvane

@@ -1,0 +1,354 @@
+// SPDX-License-Identifier: MIT
+#include "platform/sql/sqlite/SqliteDriver.h"
+
+#include "platform/sql/dialect/SqlFunctions.h"
+#include "platform/sql/sqlite/CatalogTables.h"
+#include "platform/sql/sqlite/DatabaseFile.h"
+#include "platform/sql/sqlite/SchemaRowsets.h"
+#include "platform/sql/sqlite/SqliteMetadata.h"
+#include "platform/sql/sqlite/TableRebuild.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QSysInfo>
+
+#include <sqlite3.h>
+
+namespace Korvane {
+
+namespace {
+
+void SessionNumberFunction(sqlite3_context *context, int, sqlite3_value **)
+{
+    sqlite3_result_int(context, static_cast<TSqliteDriver *>(sqlite3_user_data(context))->SessionNumber());
+}
+
+/// Undoes all steps of a statement when one of them fails.
+class TSavepoint
+{
+public:
+    explicit TSavepoint(TSqliteDatabase &database) : FDatabase(database) { FDatabase.Run("savepoint korvane_steps"); }
+    ~TSavepoint()
+    {
+        if (FReleased)
+            return;
+        try {
+            FDatabase.Run("rollback to korvane_steps");
+            FDatabase.Run("release korvane_steps");
+        } catch (const ESqlError &) {
+            // Some failures end the transaction by themselves: then nothing is left to undo.
+        }
+    }
+    void Release()
+    {
+        FDatabase.Run("release korvane_steps");
+        FReleased = true;
+    }
+
+private:
+    TSqliteDatabase &FDatabase;
+    bool FReleased = false;
+};
+
+bool BeginsWith(const QByteArray &sql, std::string_view word)
+{
+    const QByteArray text = sql.trimmed();
+    return text.size() >= qsizetype(word.size()) && qstrnicmp(text.constData(), word.data(), word.size()) == 0;
+}
+
+bool BeginsWithAny(const TRewrittenStep &step, std::initializer_list<const char *> words)
+{
+    return std::any_of(words.begin(), words.end(), [&](const char *word) { return BeginsWith(step.Sql, word); });
+}
+
+bool ControlsTransaction(const TRewrittenStep &step)
+{
+    return BeginsWithAny(step, {"begin", "commit", "rollback", "savepoint", "release", "end"});
+}
+
+bool MakesOrDropsTable(const TRewrittenStep &step) { return BeginsWithAny(step, {"create table", "drop table"}); }
+
+bool ChangesTable(const TRewrittenStep &step) { return step.Change.has_value(); }
+
+bool AnyStep(const TRewrittenStatement &rewritten, bool (*is)(const TRewrittenStep &))
+{
+    return std::any_of(rewritten.Steps.begin(), rewritten.Steps.end(), is);
+}
+
+} // namespace
+
+TSqliteDriver::TSqliteDriver(TSqlDialect dialect) : FDialect(dialect) {}
+
+TSqliteDriver::~TSqliteDriver() { TSqliteDriver::Disconnect(); }
+
+bool TSqliteDriver::HasFeature(TSqlFeature feature) const
+{
+    return feature == TSqlFeature::ReadOnly ? FReadOnly : true;
+}
+
+void TSqliteDriver::Connect(const TConnectionString &connection, const TSqlConnectOptions &options)
+{
+    Disconnect();
+    try {
+        if (FDialect == TSqlDialect::Access) {
+            OpenFile(connection.DataSource(), connection, options);
+        } else {
+            FServer.emplace(connection.DataSource());
+            const QString name =
+                connection.InitialCatalog().isEmpty() ? QStringLiteral("master") : connection.InitialCatalog();
+            const QString file = FServer->FileOf(name);
+            if (name.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0 && !QFileInfo::exists(file))
+                CreateDatabaseFile(file, {});
+            OpenFile(file, connection, options);
+        }
+    } catch (...) {
+        Disconnect();
+        throw;
+    }
+}
+
+void TSqliteDriver::OpenFile(const QString &fileName, const TConnectionString &connection,
+                             const TSqlConnectOptions &options)
+{
+    if (fileName.isEmpty())
+        throw ESqlError(QStringLiteral("没有指定数据库文件"));
+    FReadOnly = options.Mode == cmRead;
+    FPassword = connection.Password();
+    // NOTE: the roster is joined before the file is opened, so that nobody drops a database
+    // between its being found and its being used.
+    if (!FReadOnly && QFileInfo::exists(fileName))
+        JoinRoster(RosterFileOf(fileName), connection);
+    FDatabase = OpenDatabaseFile(fileName, FReadOnly ? TSqliteOpen::ReadOnly : TSqliteOpen::ReadWrite);
+    CheckDatabasePassword(*FDatabase, FPassword);
+    Configure(options);
+}
+
+QString TSqliteDriver::RosterFileOf(const QString &fileName) const
+{
+    return FServer ? FServer->RosterFile() : fileName + QStringLiteral("-roster");
+}
+
+void TSqliteDriver::JoinRoster(const QString &rosterFile, const TConnectionString &connection)
+{
+    TRosterEntry entry;
+    entry.ApplicationName = connection.ApplicationName();
+    if (entry.ApplicationName.isEmpty() && FDialect == TSqlDialect::Access)
+        entry.ApplicationName = QCoreApplication::applicationName();
+    entry.ComputerName = QSysInfo::machineHostName();
+    entry.LoginName = connection.UserID();
+    entry.Database = FServer ? connection.InitialCatalog() : connection.DataSource();
+    entry.ProcessId = QCoreApplication::applicationPid();
+    entry.Connected = QDateTime::currentDateTime();
+    FRoster = std::make_unique<TConnectionRoster>(rosterFile);
+    FRoster->Join(entry);
+}
+
+void TSqliteDriver::Configure(const TSqlConnectOptions &options)
+{
+    sqlite3 *handle = FDatabase->Handle();
+    sqlite3_busy_timeout(handle, options.CommandTimeout * 1000);
+    FDatabase->Run("pragma temp_store=memory");
+    if (!FReadOnly) {
+        ChooseJournal(*FDatabase);
+        FDatabase->Run("pragma synchronous=full");
+        FDatabase->Run("pragma foreign_keys=on");
+    }
+    RegisterSqlFunctions(handle, FDialect);
+    sqlite3_create_function_v2(handle, "korvane_spid", 0, SQLITE_UTF8, this, SessionNumberFunction, nullptr, nullptr,
+                               nullptr);
+}
+
+void TSqliteDriver::Disconnect()
+{
+    FDatabase.reset();
+    FRoster.reset();
+    FServer.reset();
+    FPassword.clear();
+    FReadOnly = false;
+}
+
+TSqliteDatabase &TSqliteDriver::Database() const
+{
+    if (!FDatabase)
+        throw ESqlError(QStringLiteral("数据库没有连接"));
+    return *FDatabase;
+}
+
+qint64 TSqliteDriver::Execute(const QString &statement, std::span<const TSqlParameter> parameters)
+{
+    sqlite3 *handle = Database().Handle();
+    const qint64 before = sqlite3_total_changes64(handle);
+    Run(statement, parameters, nullptr);
+    // The engine keeps the count of the statement before when one changes no rows.
+    return FDatabase && sqlite3_total_changes64(handle) != before ? FDatabase->Changes() : 0;
+}
+
+TDataPacket TSqliteDriver::Query(const QString &statement, std::span<const TSqlParameter> parameters)
+{
+    TDataPacket rows;
+    Run(statement, parameters, &rows);
+    return rows;
+}
+
+void TSqliteDriver::Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows)
+{
+    TSqliteDatabase &database = Database();
+    const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
+    if (rewritten.Command != TServerCommand::None)
+        return RunServerCommand(rewritten);
+    if (!rewritten.CatalogTables.isEmpty())
+        FillCatalogTables(database, rewritten.CatalogTables, FServer ? &*FServer : nullptr, FRoster.get());
+
+    const bool changesTable = AnyStep(rewritten, ChangesTable);
+    const bool single = rewritten.Steps.size() <= 1 && !changesTable && !AnyStep(rewritten, MakesOrDropsTable);
+    if (single || AnyStep(rewritten, ControlsTransaction))
+        return RunSteps(rewritten, parameters, rows);
+
+    // What one text asks for is done as a whole or not at all.
+    const TForeignKeyPause pause(database, changesTable);
+    TSavepoint savepoint(database);
+    RunSteps(rewritten, parameters, rows);
+    savepoint.Release();
+}
+
+void TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
+                             TDataPacket *rows)
+{
+    for (const TRewrittenStep &step : rewritten.Steps) {
+        if (step.Change) {
+            RebuildTable(*FDatabase, *step.Change);
+            continue;
+        }
+        TSqliteStatement statement(*FDatabase, step.Sql);
+        if (!statement.IsValid())
+            continue;
+        statement.Bind(parameters);
+        if (rows && statement.ColumnCount() > 0)
+            *rows = statement.ReadAll();
+        else
+            while (statement.Step()) {
+            }
+    }
+    if (AnyStep(rewritten, MakesOrDropsTable))
+        RecordTables(*FDatabase);
+}
+
+void TSqliteDriver::BeginTransaction()
+{
+    // NOTE: the write lock is taken at once, so that a transaction waits for another writer
+    // here and not in the middle, where the engine could only refuse it.
+    Database().Run(FReadOnly ? "begin" : "begin immediate");
+}
+
+void TSqliteDriver::CommitTransaction() { Database().Run("commit"); }
+
+void TSqliteDriver::RollbackTransaction()
+{
+    if (InTransaction())
+        Database().Run("rollback");
+}
+
+bool TSqliteDriver::InTransaction() const { return FDatabase && FDatabase->InTransaction(); }
+
+TDataPacket TSqliteDriver::OpenSchema(TSchemaInfo schema, const QVariantList &restrictions, const QString &schemaId)
+{
+    TSqliteDatabase &database = Database();
+    switch (schema) {
+    case siTables:
+        return TablesRowset(database, restrictions);
+    case siColumns:
+        return ColumnsRowset(database, restrictions);
+    case siIndexes:
+        return IndexesRowset(database, restrictions);
+    case siProviderSpecific:
+        if (schemaId.compare(QLatin1String(UserRosterSchemaId), Qt::CaseInsensitive) == 0)
+            return UserRosterRowset(FRoster ? FRoster->Entries() : QList<TRosterEntry>());
+        break;
+    }
+    throw ESqlError(QStringLiteral("内嵌数据库引擎没有此结构信息：%1").arg(schemaId));
+}
+
+void TSqliteDriver::CreateDatabase(const TConnectionString &connection)
+{
+    if (FDialect == TSqlDialect::Access)
+        return CreateDatabaseFile(connection.DataSource(), connection.Password());
+    CreateDatabaseFile(TFolderServer(connection.DataSource()).FileOf(connection.InitialCatalog()),
+                       connection.Password());
+}
+
+void TSqliteDriver::CopyDatabase(const QString &fileName)
+{
+    const QString part = fileName + QStringLiteral(".part");
+    QFile::remove(part);
+    try {
+        TSqliteDatabase target(part, TSqliteOpen::Create);
+        sqlite3_backup *backup = sqlite3_backup_init(target.Handle(), "main", Database().Handle(), "main");
+        if (!backup)
+            target.Fail();
+        sqlite3_backup_step(backup, -1);
+        if (sqlite3_backup_finish(backup) != SQLITE_OK)
+            target.Fail();
+    } catch (...) {
+        RemoveDatabaseFile(part);
+        throw;
+    }
+    // The copy is complete and closed: it takes the target's place in one step.
+    if (::rename(QFile::encodeName(part).constData(), QFile::encodeName(fileName).constData()) != 0) {
+        RemoveDatabaseFile(part);
+        throw ESqlError(QStringLiteral("不能写入文件：%1").arg(fileName));
+    }
+}
+
+void TSqliteDriver::RunServerCommand(const TRewrittenStatement &rewritten)
+{
+    if (FServer && rewritten.Command == TServerCommand::CreateDatabase)
+        return CreateServerDatabase(rewritten.CommandDatabase);
+    if (FServer && rewritten.Command == TServerCommand::DropDatabase)
+        return DropServerDatabase(rewritten.CommandDatabase);
+    throw ESqlError(QStringLiteral("内嵌数据库引擎不支持此语句：%1").arg(rewritten.CommandDatabase));
+}
+
+void TSqliteDriver::CreateServerDatabase(const QString &name)
+{
+    const QString file = FServer->FileOf(name);
+    if (QFileInfo::exists(file))
+        throw ESqlError(QStringLiteral("数据库已经存在：%1").arg(name));
+    CreateDatabaseFile(file, FPassword);
+}
+
+void TSqliteDriver::DropServerDatabase(const QString &name)
+{
+    if (name.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0)
+        throw ESqlError(QStringLiteral("不能删除数据库：%1").arg(name));
+    const QString file = FServer->FileOf(name);
+    // A database with a password goes only to who knows it.
+    CheckDatabasePassword(*OpenDatabaseFile(file, TSqliteOpen::ReadWrite), FPassword);
+    FRoster->WhileClosed([&](const QList<TRosterEntry> &entries) {
+        for (const TRosterEntry &entry : entries)
+            if (entry.Database.compare(name, Qt::CaseInsensitive) == 0)
+                throw ESqlError(QStringLiteral("数据库正在使用中，不能删除：%1").arg(name));
+        RemoveDatabaseFile(file);
+    });
+}
+
+void TSqliteDriver::DropDatabase(const TConnectionString &connection)
+{
+    if (FDialect == TSqlDialect::MSSQL) {
+        TConnectionString master = connection;
+        master.SetValue(QStringLiteral("Initial Catalog"), QStringLiteral("master"));
+        Connect(master, {});
+        DropServerDatabase(connection.InitialCatalog());
+        return Disconnect();
+    }
+    const QString file = connection.DataSource();
+    TConnectionRoster roster(RosterFileOf(file));
+    roster.Join({});
+    roster.WhileClosed([&](const QList<TRosterEntry> &entries) {
+        if (entries.size() > 1)
+            throw ESqlError(QStringLiteral("数据库正在使用中，不能删除：%1").arg(file));
+        RemoveDatabaseFile(file);
+    });
+}
+
+} // namespace Korvane

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/sql/SqlDriver.h"
+#include "platform/sql/dialect/SqlRewriter.h"
+#include "platform/sql/sqlite/ConnectionRoster.h"
+#include "platform/sql/sqlite/FolderServer.h"
+#include "platform/sql/sqlite/SqliteDatabase.h"
+
+namespace Korvane {
+
+/// The embedded engine, for both dialects. In the Access dialect the data source is a
+/// database file; in the MSSQL dialect it is a folder ("folder:PATH", see TFolderServer) and
+/// the initial catalog names a database in it. What SQLite can and cannot do is told here and
+/// in docs/dialects.md, and nowhere else.
+///
+/// Files are written through with every commit (write-ahead log, synchronous=FULL). A lock of
+/// another user is waited for as long as the connect options say.
+class TSqliteDriver : public SqlDriver
+{
+public:
+    explicit TSqliteDriver(TSqlDialect dialect);
+    ~TSqliteDriver() override;
+
+    bool HasFeature(TSqlFeature feature) const override;
+    void Connect(const TConnectionString &connection, const TSqlConnectOptions &options) override;
+    void Disconnect() override;
+    bool IsConnected() const override { return FDatabase != nullptr; }
+    qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters) override;
+    TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters) override;
+    void BeginTransaction() override;
+    void CommitTransaction() override;
+    void RollbackTransaction() override;
+    bool InTransaction() const override;
+    TDataPacket OpenSchema(TSchemaInfo schema, const QVariantList &restrictions, const QString &schemaId) override;
+    void CreateDatabase(const TConnectionString &connection) override;
+    void DropDatabase(const TConnectionString &connection) override;
+    void CopyDatabase(const QString &fileName) override;
+
+    /// The session's number, as @@spid gives it; as on the server it stands for, users' numbers
+    /// begin at 51.
+    int SessionNumber() const { return FRoster ? FRoster->Number() + 50 : 0; }
+
+private:
+    void OpenFile(const QString &fileName, const TConnectionString &connection, const TSqlConnectOptions &options);
+    void JoinRoster(const QString &rosterFile, const TConnectionString &connection);
+    void Configure(const TSqlConnectOptions &options);
+    TSqliteDatabase &Database() const;
+    /// Runs all steps; the rows of the last statement that gives some go to the packet.
+    void Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows);
+    void RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
+                  TDataPacket *rows);
+    void RunServerCommand(const TRewrittenStatement &rewritten);
+    void CreateServerDatabase(const QString &name);
+    void DropServerDatabase(const QString &name);
+    QString RosterFileOf(const QString &fileName) const;
+
+    const TSqlDialect FDialect;
+    std::optional<TFolderServer> FServer; // MSSQL dialect only
+    std::unique_ptr<TConnectionRoster> FRoster;
+    std::unique_ptr<TSqliteDatabase> FDatabase;
+    QString FPassword; // for databases made over this connection
+    bool FReadOnly = false;
+};
+
+} // namespace Korvane
