@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// The unit of general routines: types and dialects, session values, text, dates, messages,
+// system and run log.
+
+#include "design/FieldValue.h"
+#include "general/DateRoutines.h"
+#include "general/Messages.h"
+#include "general/RunLog.h"
+#include "general/SessionValues.h"
+#include "general/SystemRoutines.h"
+#include "general/TextRoutines.h"
+#include "general/Types.h"
