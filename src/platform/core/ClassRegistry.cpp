@@ -3,6 +3,12 @@
 
 #include "platform/core/Exceptions.h"
 
+#include <QHash>
+#include <QStringList>
+
+#include <cxxabi.h>
+
+#include <cstdlib>
 #include <list>
 #include <typeinfo>
 #include <unordered_map>
@@ -28,6 +34,15 @@ struct TRegistry
     }
 };
 
+/// A type's name as it stands in the source.
+QString ReadableName(const std::type_info &type)
+{
+    const std::unique_ptr<char, decltype(&std::free)> name(
+        abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr), &std::free);
+    const QString text = QString::fromUtf8(name ? name.get() : type.name());
+    return text.mid(text.lastIndexOf(QLatin1Char(':')) + 1);
+}
+
 TRegistry &Registry()
 {
     static TRegistry registry;
@@ -50,7 +65,7 @@ const TClassInfo &ClassOf(const TPersistent &object)
     const auto &byType = Registry().ByType;
     const auto found = byType.find(std::type_index(typeid(object)));
     if (found == byType.end())
-        throw EClassNotFound(QStringLiteral("没有找到类") + QString::fromLatin1(typeid(object).name()));
+        throw EClassNotFound(QStringLiteral("没有找到类") + ReadableName(typeid(object)));
     return *found->second;
 }
 

@@ -6,6 +6,7 @@
 
 #include <QMetaEnum>
 
+#include <limits>
 #include <unordered_map>
 
 namespace Korvane {
@@ -77,13 +78,48 @@ QVariant EnumerationOf(const QMetaProperty &property, const QVariant &value)
     return VarToInt(value);
 }
 
+template <class T> bool Fits(qint64 number)
+{
+    return number >= qint64(std::numeric_limits<T>::min()) && number <= qint64(std::numeric_limits<T>::max());
+}
+
+/// Whether a whole number of up to 32 bits takes a value without losing any of it.
+bool FitsType(qint64 number, int type)
+{
+    switch (type) {
+    case QMetaType::Char:
+    case QMetaType::SChar:
+        return Fits<signed char>(number);
+    case QMetaType::UChar:
+        return Fits<uchar>(number);
+    case QMetaType::Short:
+        return Fits<short>(number);
+    case QMetaType::UShort:
+        return Fits<ushort>(number);
+    case QMetaType::Int:
+        return Fits<int>(number);
+    case QMetaType::UInt:
+        return Fits<uint>(number);
+    default:
+        return true;
+    }
+}
+
+QVariant IntegerOf(int type, const QVariant &value)
+{
+    const qint64 number = VarToInt64(value);
+    if (!FitsType(number, type))
+        throw EVariantError(QStringLiteral("数值 %1 超出范围").arg(number));
+    return number;
+}
+
 QVariant ConvertedTo(const TPropInfo &info, const QVariant &value)
 {
     const int type = info.Property.metaType().id();
     switch (info.Kind) {
     case tkInteger:
     case tkInt64:
-        return VarToInt64(value);
+        return IntegerOf(type, value);
     case tkFloat:
         return type == QMetaType::Double || type == QMetaType::Float ? QVariant(VarToDouble(value)) : value;
     case tkEnumeration:
@@ -115,8 +151,13 @@ QString TPropInfo::Text(const TPersistent &object) const
 
 void TPropInfo::SetValue(TPersistent &object, const QVariant &value) const
 {
-    if (!Property.writeOnGadget(&object, ConvertedTo(*this, value)))
-        throw EPropertyError(QStringLiteral("不能给属性“%1”赋值").arg(Name));
+    try {
+        if (Property.writeOnGadget(&object, ConvertedTo(*this, value)))
+            return;
+    } catch (const EVariantError &error) {
+        throw EPropertyError(QStringLiteral("不能给属性“%1”赋值：%2").arg(Name, error.Message()));
+    }
+    throw EPropertyError(QStringLiteral("不能给属性“%1”赋值").arg(Name));
 }
 
 TPropList::TPropList(const QMetaObject &meta)

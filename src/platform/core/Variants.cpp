@@ -19,6 +19,8 @@ enum class TKind { Null, Text, Bool, Integer, Float, DateTime, Array, Other };
 
 TKind KindOf(const QVariant &value)
 {
+    if (value.isNull()) // also a NULL that has a type
+        return TKind::Null;
     switch (value.typeId()) {
     case QMetaType::UnknownType:
     case QMetaType::Nullptr:

@@ -35,7 +35,7 @@ class TSample : public TBase
     Q_PROPERTY(Korvane::TDateTime Time MEMBER Time)
     Q_PROPERTY(bool Flag MEMBER Flag)
     Q_PROPERTY(TMood Mood MEMBER Mood)
-    Q_PROPERTY(TMarks Marks MEMBER Marks)
+    Q_PROPERTY(TMarks Marks READ GetMarks WRITE SetMarks)
     Q_PROPERTY(Korvane::TPersistent *Child MEMBER Child)
     Q_PROPERTY(QVariant Any MEMBER Any)
     Q_PROPERTY(QString Fixed READ Fixed)
@@ -47,6 +47,8 @@ public:
     Q_DECLARE_FLAGS(TMarks, TMark)
     Q_FLAG(TMarks)
 
+    TMarks GetMarks() const { return Marks; }
+    void SetMarks(TMarks marks) { Marks = marks; }
     QString Fixed() const { return "fixed"; }
 
     qint16 Small = 0;
@@ -134,7 +136,8 @@ QStringList NamesOf(const TPropList &list)
 
 TEST_F(Reflection, classes_are_found_by_name_blind_to_case)
 {
-    EXPECT_EQ(RegisteredClasses().mid(RegisteredClasses().size() - 3), QStringList({"TBase", "TSample", "TOverriding"}));
+    EXPECT_EQ(RegisteredClasses().mid(RegisteredClasses().size() - 3),
+              QStringList({"TBase", "TSample", "TOverriding"}));
     for (const char *name : {"TSample", "tsample", "TSAMPLE"}) {
         ASSERT_TRUE(GetClass(name)) << name;
         EXPECT_EQ(FindClass(name).Name, "TSample");
@@ -171,8 +174,8 @@ TEST_F(Reflection, registering_again_changes_nothing_and_another_class_takes_the
 TEST_F(Reflection, properties_stand_in_declared_order_inherited_ones_first)
 {
     EXPECT_EQ(NamesOf(GetPropList(TSample())),
-              QStringList({"Text", "Whole", "Small", "Tiny", "Large", "Number", "Single", "Time", "Flag", "Mood", "Marks",
-                           "Child", "Any", "Fixed"}));
+              QStringList({"Text", "Whole", "Small", "Tiny", "Large", "Number", "Single", "Time", "Flag",
+                           "Mood", "Marks", "Child", "Any", "Fixed"}));
     EXPECT_EQ(NamesOf(GetPropList(TOverriding())), QStringList({"Text", "Whole", "Extra"}));
     EXPECT_TRUE(PropIsType(TOverriding(), u"Whole", tkFloat)) << "the later declaration holds";
     EXPECT_EQ(&GetPropList(TSample()), &GetPropList(TSample::staticMetaObject)) << "made once";
@@ -185,10 +188,10 @@ TEST_F(Reflection, kinds)
     {
         const char *Name;
         TTypeKind Kind;
-    } rows[] = {{"Text", tkString}, {"Whole", tkInteger},    {"Small", tkInteger}, {"Tiny", tkInteger},
-                {"Large", tkInt64}, {"Number", tkFloat},     {"Single", tkFloat},  {"Time", tkFloat},
-                {"Flag", tkEnumeration}, {"Mood", tkEnumeration}, {"Marks", tkSet}, {"Child", tkClass},
-                {"Any", tkVariant}, {"Fixed", tkString}};
+    } rows[] = {{"Text", tkString},      {"Whole", tkInteger},    {"Small", tkInteger}, {"Tiny", tkInteger},
+                {"Large", tkInt64},      {"Number", tkFloat},     {"Single", tkFloat},  {"Time", tkFloat},
+                {"Flag", tkEnumeration}, {"Mood", tkEnumeration}, {"Marks", tkSet},     {"Child", tkClass},
+                {"Any", tkVariant},      {"Fixed", tkString}};
     for (const auto &row : rows) {
         const QString name = row.Name;
         EXPECT_EQ(GetPropInfo(TSample(), name).Kind, row.Kind) << row.Name;
@@ -262,8 +265,11 @@ TEST_F(Reflection, enumerations_go_by_name_or_number_and_read_as_name)
         QVariant Written;
         TSample::TMood Mood;
         const char *Text;
-    } rows[] = {{"mdGlad", TSample::mdGlad, "mdGlad"}, {7, TSample::mdSad, "mdSad"}, {"1", TSample::mdGlad, "mdGlad"},
-                {QVariant(), TSample::mdCalm, "mdCalm"}, {QVariant::fromValue(TSample::mdSad), TSample::mdSad, "mdSad"}};
+    } rows[] = {{"mdGlad", TSample::mdGlad, "mdGlad"},
+                {7, TSample::mdSad, "mdSad"},
+                {"1", TSample::mdGlad, "mdGlad"},
+                {QVariant(), TSample::mdCalm, "mdCalm"},
+                {QVariant::fromValue(TSample::mdSad), TSample::mdSad, "mdSad"}};
     for (const auto &row : rows) {
         object.Mood = TSample::mdSad;
         SetPropValue(object, u"Mood", row.Written);
@@ -291,10 +297,19 @@ TEST_F(Reflection, what_does_not_fit_is_refused_and_changes_nothing)
     {
         const char *Name;
         QVariant Value;
-    } rows[] = {{"Whole", "x"},       {"Whole", "1.5x"},   {"Whole", Q_INT64_C(5000000000)},
-                {"Whole", "5000000000"}, {"Small", 40000}, {"Small", -40000}, {"Tiny", -1}, {"Tiny", 256},
-                {"Number", "x"},      {"Flag", "maybe"},   {"Whole", QVariantList{1}},
-                {"Text", QVariantList{1}}, {"Fixed", "x"}};
+    } rows[] = {{"Whole", "x"},
+                {"Whole", "1.5x"},
+                {"Whole", Q_INT64_C(5000000000)},
+                {"Whole", "5000000000"},
+                {"Small", 40000},
+                {"Small", -40000},
+                {"Tiny", -1},
+                {"Tiny", 256},
+                {"Number", "x"},
+                {"Flag", "maybe"},
+                {"Whole", QVariantList{1}},
+                {"Text", QVariantList{1}},
+                {"Fixed", "x"}};
     for (const auto &row : rows) {
         TSample object;
         object.Text = "5";

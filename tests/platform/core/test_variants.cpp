@@ -62,7 +62,8 @@ TEST(Variants, ReadAsText)
     for (const auto &row : rows)
         EXPECT_EQ(VarToStr(row.Value).toStdString(), row.Text);
     EXPECT_THROW(VarToStr(QVariantList{1}), EVariantError);
-    EXPECT_THROW(VarToStr(QVariant::fromValue<void *>(nullptr)), EVariantError);
+    int number = 0;
+    EXPECT_THROW(VarToStr(QVariant::fromValue<void *>(&number)), EVariantError);
 }
 
 TEST(Variants, ReadAsNumbers)
