@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/data/NumberText.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -31,6 +32,16 @@ template <class T> std::optional<T> Parse(std::string_view text)
     return value;
 }
 
+/// Gives "1e+300" and "1.5e-07" the general form, "1E300" and "1.5E-7"; returns the new end.
+char *ShortenExponent(char *begin, char *end)
+{
+    char *mark = std::find(begin, end, 'e');
+    *mark = 'E';
+    char *digits = mark + 2;
+    char *first = std::find_if(digits, end - 1, [](char c) { return c != '0'; });
+    return std::copy(first, end, mark[1] == '-' ? digits : digits - 1);
+}
+
 } // namespace
 
 TNumberText::TNumberText(qint64 value)
@@ -43,7 +54,10 @@ TNumberText::TNumberText(double value)
     const double size = std::abs(value);
     const bool plain = value == 0 || (size >= 1e-5 && size < 1e15) || !std::isfinite(value);
     const auto format = plain ? std::chars_format::fixed : std::chars_format::scientific;
-    FLength = size_t(std::to_chars(FBuffer, FBuffer + sizeof FBuffer, value, format).ptr - FBuffer);
+    char *end = std::to_chars(FBuffer, FBuffer + sizeof FBuffer, value, format).ptr;
+    if (!plain)
+        end = ShortenExponent(FBuffer, end);
+    FLength = size_t(end - FBuffer);
 }
 
 std::optional<qint64> ParseInt(std::string_view text) { return Parse<qint64>(text); }

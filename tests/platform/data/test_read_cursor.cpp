@@ -430,7 +430,7 @@ TEST(FieldHandle, ConvertsTheCurrentRow)
     EXPECT_EQ(followed.AsVariant().metaType(), QMetaType::fromType<int>());
     EXPECT_EQ(RaisedBy([&] { field("S").AsInteger(); }), "EConvertError: 字段“S”的值“x”不是有效的整数");
     EXPECT_EQ(RaisedBy([&] { field("S").AsFloat(); }), "EConvertError: 字段“S”的值“x”不是有效的数值");
-    EXPECT_EQ(RaisedBy([&] { field("F").AsInteger(); }), "EConvertError: 字段“F”的值“1e+300”不是有效的整数");
+    EXPECT_EQ(RaisedBy([&] { field("F").AsInteger(); }), "EConvertError: 字段“F”的值“1E300”不是有效的整数");
     EXPECT_EQ(RaisedBy([&] { field("Q"); }), "EDatabaseError: 字段“Q”没有找到");
 }
 

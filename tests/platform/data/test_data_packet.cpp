@@ -44,7 +44,7 @@ TEST(DataPacket, KeepsRowsOfAllKinds)
                              "A1|5|1099511627776|1.25|0x00ff\n"
                              "中文|~|-1|0.1|~\n"
                              "~|-7|~|~|0x\n"
-                             "|0|0|1e+300|0x61\n");
+                             "|0|0|1E300|0x61\n");
 }
 
 TEST(DataPacket, ValuesHaveTheTypeOfTheirColumnAlsoWhenNull)
@@ -95,7 +95,7 @@ TEST(DataPacketBuilder, WidensSoThatNoValueIsLost)
         {"whole float in an integer", ftInteger, {1, 7.0, 3e9}, "X:largeint\n1\n7\n3000000000\n"},
         {"fraction in an integer", ftInteger, {1, Null, 2.5}, "X:float\n1\n~\n2.5\n"},
         {"negative zero in an integer", ftInteger, {1, -0.0}, "X:float\n1\n-0\n"},
-        {"huge float in an integer", ftInteger, {1, 1e19}, "X:float\n1\n1e+19\n"},
+        {"huge float in an integer", ftInteger, {1, 1e19}, "X:float\n1\n1E19\n"},
         {"fraction beside a big integer",
          ftLargeint,
          {Big, Null, 2.5},
@@ -103,12 +103,12 @@ TEST(DataPacketBuilder, WidensSoThatNoValueIsLost)
         {"fraction beside a big even integer",
          ftLargeint,
          {Big - 1, 2.5},
-         "X:float\n9.007199254740992e+15\n2.5\n"},
-        {"fraction beside the least", ftLargeint, {least, 2.5}, "X:float\n-9.223372036854776e+18\n2.5\n"},
+         "X:float\n9.007199254740992E15\n2.5\n"},
+        {"fraction beside the least", ftLargeint, {least, 2.5}, "X:float\n-9.223372036854776E18\n2.5\n"},
         {"big integer beside a fraction", ftFloat, {0.5, Null, Big}, "X:string\n0.5\n~\n9007199254740993\n"},
         {"small integer beside a fraction", ftFloat, {0.5, 3}, "X:float\n0.5\n3\n"},
         {"text in an integer", ftInteger, {1, Null, "a", Null}, "X:string\n1\n~\na\n~\n"},
-        {"text in a float", ftDateTime, {0.1, "a", 2, 1e-7}, "X:string\n0.1\na\n2\n1e-07\n"},
+        {"text in a float", ftDateTime, {0.1, "a", 2, 1e-7}, "X:string\n0.1\na\n2\n1E-7\n"},
         {"text first", ftInteger, {Null, "a"}, "X:string\n~\na\n"},
         {"numbers in a text", ftString, {"a", 1, 2.5, Null}, "X:string\na\n1\n2.5\n~\n"},
         {"blob in a text", ftString, {"中", Null, QByteArray("\xff")}, "X:blob\n0xe4b8ad\n~\n0xff\n"},
