@@ -49,6 +49,9 @@ public:
     /// How long a statement waits for the lock of another user, in seconds.
     int CommandTimeout() const { return FOptions.CommandTimeout; }
     void SetCommandTimeout(int seconds) { FOptions.CommandTimeout = seconds; }
+    /// Under which name the connection is listed, where its connection string has no place for one.
+    QString ApplicationName() const { return FOptions.ApplicationName; }
+    void SetApplicationName(const QString &name) { FOptions.ApplicationName = name; }
     TIsolationLevel IsolationLevel() const { return FIsolationLevel; }
     void SetIsolationLevel(TIsolationLevel level) { FIsolationLevel = level; }
     /// Without it the connection closes when its last open query does. Set by default.
@@ -66,6 +69,7 @@ public:
 
     /// What the last failure left: a list of entries, the first being the main one.
     const QList<TSqlError> &Errors() const { return FErrors; }
+    void ClearErrors() { FErrors.clear(); }
 
     qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters = {});
     TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters = {});

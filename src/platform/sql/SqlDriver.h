@@ -36,6 +36,8 @@ struct TSqlConnectOptions
     TConnectMode Mode = cmUnknown;
     /// How long a statement waits for a lock of another user, in seconds.
     int CommandTimeout = 30;
+    /// Under which name the connection is listed, where its connection string has no place for one.
+    QString ApplicationName;
 };
 
 /// The seam between the library and a database engine. Statements come in one of the two

@@ -21,7 +21,8 @@ TConversion ConversionTo(const TSqlType &type, const QString &style)
     const bool isDay = type.EngineName == "date text"_L1;
     switch (type.Class) {
     case TSqlTypeClass::Text: {
-        QString arguments = type.Length >= 0 || !style.isEmpty() ? u", "_s + QString::number(type.Length) : QString();
+        QString arguments =
+            type.Length >= 0 || !style.isEmpty() ? u", "_s + QString::number(type.Length) : QString();
         if (!style.isEmpty())
             arguments += u", "_s + style;
         return {u"korvane_text"_s, arguments, TSqlValueKind::Text};
@@ -29,7 +30,8 @@ TConversion ConversionTo(const TSqlType &type, const QString &style)
     case TSqlTypeClass::Whole:
         return {u"korvane_truncated"_s, {}, TSqlValueKind::Whole};
     case TSqlTypeClass::Decimal:
-        return {u"korvane_decimal"_s, u", "_s + QString::number(std::max(type.Scale, 0)), TSqlValueKind::Number};
+        return {u"korvane_decimal"_s, u", "_s + QString::number(std::max(type.Scale, 0)),
+                TSqlValueKind::Number};
     case TSqlTypeClass::Float:
         return {u"korvane_number"_s, {}, TSqlValueKind::Number};
     case TSqlTypeClass::Flag:

@@ -218,11 +218,12 @@ int TTableRules::DefaultEnd() const
         if (token.Kind == TSqlTokenKind::End || token.IsOperator(","_L1) || token.IsOperator(")"_L1) ||
             token.IsOperator(";"_L1))
             return end;
-        static constexpr QLatin1StringView Options[] = {"not"_L1,   "constraint"_L1, "primary"_L1,    "unique"_L1,
-                                                        "check"_L1, "references"_L1, "identity"_L1,   "collate"_L1,
-                                                        "with"_L1,  "for"_L1,        "rowguidcol"_L1, "foreign"_L1,
-                                                        "null"_L1};
-        if (!isFirst && std::any_of(std::begin(Options), std::end(Options), [&](auto o) { return token.Is(o); }))
+        static constexpr QLatin1StringView Options[] = {
+            "not"_L1,        "constraint"_L1, "primary"_L1, "unique"_L1, "check"_L1,
+            "references"_L1, "identity"_L1,   "collate"_L1, "with"_L1,   "for"_L1,
+            "rowguidcol"_L1, "foreign"_L1,    "null"_L1};
+        if (!isFirst &&
+            std::any_of(std::begin(Options), std::end(Options), [&](auto o) { return token.Is(o); }))
             return end;
         end = C.Edits.Match(end) > end ? C.Edits.Match(end) + 1 : end + 1;
     }
@@ -257,7 +258,8 @@ bool TTableRules::WriteClockDefault(int first, int last)
         {"time"_L1, "(time('now', 'localtime'))"_L1}};
     const bool isCall = last == first + 2 && C.Edits[first + 1].IsOperator("("_L1);
     for (const TClock &clock : Clocks) {
-        if (!C.Edits[first].Is(clock.Name) || (!isCall && (last > first || clock.Name != "current_timestamp"_L1)))
+        if (!C.Edits[first].Is(clock.Name) ||
+            (!isCall && (last > first || clock.Name != "current_timestamp"_L1)))
             continue;
         C.Edits.Replace(first, clock.Engine);
         C.Edits.Remove(first + 1, last);
@@ -292,7 +294,8 @@ void TTableRules::ReadDefault(TColumn &column)
         C.Edits.Replace(first, QuotedText(C.Edits.Written(first, last)));
         C.Edits.Remove(first + 1, last);
     };
-    const QString flag = column.Type.Class == TSqlTypeClass::Flag && first == last ? FlagDefault(first) : QString();
+    const QString flag =
+        column.Type.Class == TSqlTypeClass::Flag && first == last ? FlagDefault(first) : QString();
     const bool isCall = token.Kind == TSqlTokenKind::Word && C.Edits[first + 1].IsOperator("("_L1) &&
                         C.Edits.Match(first + 1) == last;
     if (!flag.isEmpty()) {

@@ -56,7 +56,8 @@ void TCommandRules::Refuse()
     if (C.Token().Kind != TSqlTokenKind::Word)
         C.Fail();
     QString construct = C.Token().Text.toString().toUpper();
-    if (C.IsAnyOf({"create"_L1, "alter"_L1, "drop"_L1, "begin"_L1, "truncate"_L1, "backup"_L1, "restore"_L1}) &&
+    if (C.IsAnyOf(
+            {"create"_L1, "alter"_L1, "drop"_L1, "begin"_L1, "truncate"_L1, "backup"_L1, "restore"_L1}) &&
         C.Token(1).Kind == TSqlTokenKind::Word)
         construct += u' ' + C.Token(1).Text.toString().toUpper();
     if (construct == "EXECUTE"_L1)
@@ -74,8 +75,9 @@ void TCommandRules::Select()
     if (table.isEmpty())
         return C.AddStep(C.Edits.Text(first, C.At - 1));
     const bool isTemporary = table.startsWith(u"\"#") || table.startsWith(u"[#");
-    C.AddStep(C.Edits[first].Blanks.toString() + (isTemporary ? u"create temp table "_s : u"create table "_s) +
-              table + u" as "_s + C.Edits.Trimmed(first, C.At - 1));
+    C.AddStep(C.Edits[first].Blanks.toString() +
+              (isTemporary ? u"create temp table "_s : u"create table "_s) + table + u" as "_s +
+              C.Edits.Trimmed(first, C.At - 1));
 }
 
 void TCommandRules::Create()
@@ -202,15 +204,12 @@ void TCommandRules::Truncate()
 
 void TCommandRules::Begin()
 {
-    const bool isTransaction = C.IsAnyOf({"tran"_L1, "transaction"_L1}, 1);
     C.Advance();
-    if (!isTransaction && !C.AtStatementEnd())
+    if (!C.IsAnyOf({"tran"_L1, "transaction"_L1}))
         RefuseSql(u"BEGIN … END"_s);
-    if (isTransaction) {
+    C.Advance();
+    if (C.Token().IsName())
         C.Advance();
-        if (C.Token().IsName())
-            C.Advance();
-    }
     C.AddStep(u"begin"_s);
 }
 

@@ -133,7 +133,8 @@ void DateAdd(TSqlCall &call)
     const QDate date = moment->DateOrFirst();
     const auto shifted = [&](const QDate &day) { SetMoment(call, {day, moment->Time}); };
     const auto later = [&](qint64 milliseconds) {
-        const QDateTime value = QDateTime(date, moment->TimeOrMidnight(), Qt::UTC).addMSecs(milliseconds * count);
+        const QDateTime value =
+            QDateTime(date, moment->TimeOrMidnight(), Qt::UTC).addMSecs(milliseconds * count);
         SetMoment(call, {value.date(), value.time()});
     };
     switch (part) {
@@ -174,7 +175,8 @@ void DateDiff(TSqlCall &call)
     const qint64 days = a.daysTo(b);
     const qint64 months = (b.year() - a.year()) * 12 + b.month() - a.month();
     const auto units = [&](qint64 milliseconds) {
-        return days * (86'400'000 / milliseconds) + to->TimeOrMidnight().msecsSinceStartOfDay() / milliseconds -
+        return days * (86'400'000 / milliseconds) +
+               to->TimeOrMidnight().msecsSinceStartOfDay() / milliseconds -
                from->TimeOrMidnight().msecsSinceStartOfDay() / milliseconds;
     };
     const auto sunday = [](const QDate &day) { return day.addDays(-(day.dayOfWeek() % 7)); };
@@ -227,9 +229,15 @@ void Day(TSqlCall &call)
         SetMoment(call, {moment->DateOrFirst(), QTime()});
 }
 
-void NowText(TSqlCall &call) { call.SetText(QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s)); }
+void NowText(TSqlCall &call)
+{
+    call.SetText(QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s));
+}
 
-void UtcNow(TSqlCall &call) { call.SetText(QDateTime::currentDateTimeUtc().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s)); }
+void UtcNow(TSqlCall &call)
+{
+    call.SetText(QDateTime::currentDateTimeUtc().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s));
+}
 
 void Today(TSqlCall &call) { call.SetText(QDate::currentDate().toString(u"yyyy-MM-dd"_s)); }
 

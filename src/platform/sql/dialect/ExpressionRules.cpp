@@ -309,7 +309,8 @@ TSqlOperand TQueryRules::Add(const TPending &pending, TSqlOperand &left, TSqlOpe
     using enum TSqlValueKind;
     const auto isJoinable = [](const TSqlOperand &operand) {
         return operand.OpenCall.isEmpty() && !operand.IsNumber() && operand.Kind != Logic &&
-               (operand.Form == TSqlForm::Single || operand.Form == TSqlForm::Name || operand.Form == TSqlForm::Join);
+               (operand.Form == TSqlForm::Single || operand.Form == TSqlForm::Name ||
+                operand.Form == TSqlForm::Join);
     };
     Finish(right);
     if ((left.Kind == Text || right.Kind == Text) && isJoinable(left) && isJoinable(right)) {
@@ -387,7 +388,8 @@ TSqlOperand TQueryRules::Primary()
         return single(TSqlValueKind::Unknown);
     case Number: {
         const QStringView text = C.Token().Text;
-        const bool isWhole = std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+        const bool isWhole =
+            std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
         return single(isWhole ? TSqlValueKind::Whole : TSqlValueKind::Number);
     }
     case Operator:
@@ -424,7 +426,7 @@ TSqlOperand TQueryRules::SpecialWord()
         }
         if (C.IsAnyOf({"any"_L1, "some"_L1, "all"_L1}) && HoldsQuery(at + 1))
             RefuseSql(C.Token().Text.toString().toUpper());
-        return C.IsAnyOf({"left"_L1, "right"_L1}) ? FunctionCall(at, at) : TSqlOperand();
+        return C.IsAnyOf({"left"_L1, "right"_L1, "asc"_L1}) ? FunctionCall(at, at) : TSqlOperand();
     }
     if (C.Is("null"_L1))
         return single(Unknown);

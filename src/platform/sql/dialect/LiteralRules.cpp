@@ -15,7 +15,8 @@ namespace {
 QString DateLiteral(QStringView written)
 {
     static const QRegularExpression pattern(
-        uR"(^\s*(?:(\d{1,4})[-/.](\d{1,2})[-/.](\d{1,4}))?\s*(?:(\d{1,2}):(\d{1,2})(?::(\d{1,2}))?\s*([AaPp])?[Mm]?)?\s*$)"_s);
+        uR"(^\s*(?:(\d{1,4})[-/.](\d{1,2})[-/.](\d{1,4}))?)"
+        uR"(\s*(?:(\d{1,2}):(\d{1,2})(?::(\d{1,2}))?\s*([AaPp])?[Mm]?)?\s*$)"_s);
     const auto match = pattern.match(written.mid(1, written.size() - 2).toString());
     const auto number = [&](int group) { return match.captured(group).toInt(); };
     const bool hasDate = match.hasMatch() && match.hasCaptured(1);

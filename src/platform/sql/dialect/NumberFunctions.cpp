@@ -18,7 +18,8 @@ namespace {
 double Scaled(double value, int digits)
 {
     const double scaled = value * std::pow(10.0, digits);
-    return std::isfinite(scaled) ? std::strtod(QByteArray::number(scaled, 'g', 15).constData(), nullptr) : scaled;
+    return std::isfinite(scaled) ? std::strtod(QByteArray::number(scaled, 'g', 15).constData(), nullptr)
+                                 : scaled;
 }
 
 double Unscaled(double value, int digits)
@@ -169,7 +170,8 @@ void Str(TSqlCall &call)
     const int length = call.Count() > 1 ? std::clamp(call.Position(1), 1, 8000) : 10;
     const int decimals = call.Count() > 2 ? std::clamp(call.Position(2), 0, 15) : 0;
     const QByteArray text = QByteArray::number(RoundAway(value, decimals), 'f', decimals);
-    call.SetText(QString::fromLatin1(text.size() > length ? QByteArray(length, '*') : text.rightJustified(length)));
+    call.SetText(
+        QString::fromLatin1(text.size() > length ? QByteArray(length, '*') : text.rightJustified(length)));
 }
 
 /// A date-time by a style number of "convert".

@@ -33,8 +33,8 @@ bool TQueryRules::HoldsQuery(int open) const
     // joined table or an operand.
     while (edits[open + 1].IsOperator("("_L1)) {
         const TSqlToken &behind = edits[edits.Match(open + 1) + 1];
-        if (!behind.IsOperator(")"_L1) &&
-            std::none_of(SetOperators.begin(), SetOperators.end(), [&](auto word) { return behind.Is(word); }))
+        if (!behind.IsOperator(")"_L1) && std::none_of(SetOperators.begin(), SetOperators.end(),
+                                                       [&](auto word) { return behind.Is(word); }))
             return false;
         ++open;
     }
@@ -161,7 +161,10 @@ void TQueryRules::SelectItems()
         // MSSQL also writes the alias before the column: ALIAS=A+B.
         if (!C.IsAccess() && C.Token().IsName() && C.IsOperator("="_L1, 1)) {
             alias = C.At;
-            C.Drop(2);
+            C.Edits.Replace(alias, QString());
+            C.Advance();
+            C.Drop();
+            C.Edits.TightenBefore(C.At);
         }
         const int start = C.At;
         TSqlOperand item;

@@ -146,7 +146,8 @@ void TRowRules::Update()
         const TSqlNameChain table = source ? source->Name : targets.Tables[0].Name;
         const QString reference = NameText(source ? source->Reference() : target);
         // A table that the from clause does not name joins its tables by the condition.
-        const QString from = source ? SourcesText(sources) : TableText(table) + u", "_s + SourcesText(sources);
+        const QString from =
+            source ? SourcesText(sources) : TableText(table) + u", "_s + SourcesText(sources);
         UpdateJoined(table, reference, from, assignments);
     } else if (targets.IsOneTable()) {
         AliasWithAs(targets.Tables[0]);
@@ -159,7 +160,8 @@ void TRowRules::Update()
 }
 
 /// The one table of a join whose columns are set.
-const TSqlSource &TRowRules::UpdateTarget(const TSqlSourceList &list, const QList<TAssignment> &assignments) const
+const TSqlSource &TRowRules::UpdateTarget(const TSqlSourceList &list,
+                                          const QList<TAssignment> &assignments) const
 {
     const TSqlSource *target = nullptr;
     for (const TAssignment &assignment : assignments) {
@@ -185,7 +187,8 @@ void TRowRules::UpdateJoined(const TSqlNameChain &table, const QString &referenc
         const TAssignment &assignment = assignments[i];
         const QString value = u"korvane_v%1"_s.arg(i + 1);
         set += (i ? u", "_s : QString()) + NameText(assignment.Column) + u"=korvane_q."_s + value;
-        values += u", "_s + C.Edits.Trimmed(assignment.Value.First, assignment.Value.Last) + u" as "_s + value;
+        values +=
+            u", "_s + C.Edits.Trimmed(assignment.Value.First, assignment.Value.Last) + u" as "_s + value;
     }
     const QString where = Where();
     C.AddStep(C.Edits[FFirst].Blanks.toString() + u"update "_s + TableText(table) + u" set "_s + set +
@@ -220,7 +223,7 @@ void TRowRules::Delete()
     }
     if ((source && source->Name.Parts.isEmpty()) || (!source && C.IsAccess()))
         RefuseSql(u"DELETE … JOIN"_s);
-    const QString table = source ? TableText(source->Name) : NameText(target);
+    const QString table = source ? TableText(source->Name) : C.Edits.Written(target, target);
     const QString reference = source ? NameText(source->Reference()) : table;
     const QString from = source ? SourcesText(sources) : table + u", "_s + SourcesText(sources);
     const QString where = Where();

@@ -26,7 +26,8 @@ void TSqlEdits::MatchBrackets(QStringView text)
 {
     std::vector<int> open;
     const auto fail = [&](const QString &what, int token) {
-        throw ESqlError(u"%1（%2）"_s.arg(what, SqlPlace(text, FTokens[size_t(token)].Text.data() - text.data())));
+        throw ESqlError(
+            u"%1（%2）"_s.arg(what, SqlPlace(text, FTokens[size_t(token)].Text.data() - text.data())));
     };
     for (int i = 0; i < Size(); ++i) {
         const TSqlToken &token = FTokens[size_t(i)];

@@ -42,8 +42,9 @@ void Register(sqlite3 *db, const TSqlFunction &function, int arguments, TSqlDial
     auto data = std::make_unique<TRegistered>(TRegistered{function.Body, dialect});
     const int flags = SQLITE_UTF8 | SQLITE_INNOCUOUS | (function.IsDeterministic ? SQLITE_DETERMINISTIC : 0);
     // NOTE: the engine destroys the data also when it refuses the function.
-    const int code = sqlite3_create_function_v2(db, function.Name, arguments, flags, data.release(), &Invoke, nullptr,
-                                                nullptr, [](void *p) { delete static_cast<TRegistered *>(p); });
+    const int code =
+        sqlite3_create_function_v2(db, function.Name, arguments, flags, data.release(), &Invoke, nullptr,
+                                   nullptr, [](void *p) { delete static_cast<TRegistered *>(p); });
     if (code != SQLITE_OK)
         throw ESqlError(QString::fromUtf8(sqlite3_errmsg(db)), code);
 }
@@ -77,7 +78,8 @@ void Like(TSqlCall &call)
     if (!fresh)
         return;
     // A constant pattern is kept for the statement's other rows.
-    sqlite3_set_auxdata(call.Context(), 0, fresh.release(), [](void *p) { delete static_cast<TLikePattern *>(p); });
+    sqlite3_set_auxdata(call.Context(), 0, fresh.release(),
+                        [](void *p) { delete static_cast<TLikePattern *>(p); });
 }
 
 constexpr TSqlFunction LikeFunction{"like", 2, 3, true, &Like};
@@ -137,7 +139,8 @@ int TSqlCall::Position(int i)
 
 void TSqlCall::SetText(std::string_view utf8)
 {
-    sqlite3_result_text64(FContext, utf8.data() ? utf8.data() : "", utf8.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    sqlite3_result_text64(FContext, utf8.data() ? utf8.data() : "", utf8.size(), SQLITE_TRANSIENT,
+                          SQLITE_UTF8);
 }
 
 void TSqlCall::SetNumber(double value)

@@ -86,7 +86,8 @@ std::optional<TSqlMoment> ParseSqlMoment(const QString &written)
 {
     const QString trimmed = written.trimmed();
     const QStringView text(trimmed);
-    const bool isDigits = std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+    const bool isDigits =
+        std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     if (isDigits)
         return text.size() == 8 || text.size() == 14 ? ParseDigits(text) : std::nullopt;
     TSqlMoment moment;

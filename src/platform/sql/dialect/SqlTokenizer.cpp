@@ -14,15 +14,16 @@ namespace {
 const std::unordered_set<std::string_view> &ReservedWords()
 {
     static const std::unordered_set<std::string_view> words{
-        "alter",     "and",    "as",     "asc",      "backup",   "begin",   "between", "by",       "case",
-        "commit",    "compute", "create", "cross",    "declare",  "default", "delete",  "desc",     "distinct",
-        "drop",      "else",   "end",    "escape",   "except",   "exec",    "execute", "exists",   "fetch",
-        "for",       "from",   "full",   "go",       "grant",    "group",   "having",  "if",       "in",
-        "inner",     "insert", "intersect", "into",  "is",       "join",    "left",    "like",     "not",
-        "null",      "on",     "option", "or",       "order",    "outer",   "pivot",   "print",    "restore",
-        "return",    "revoke", "right",  "rollback", "select",   "set",     "table",   "then",     "top",
-        "transform", "truncate", "union", "unpivot", "update",   "use",     "values",  "when",     "where",
-        "while",     "with"};
+        "alter",    "and",      "as",      "asc",    "backup", "begin",   "between",   "by",
+        "case",     "commit",   "compute", "create", "cross",  "declare", "default",   "delete",
+        "desc",     "distinct", "drop",    "else",   "end",    "escape",  "except",    "exec",
+        "execute",  "exists",   "fetch",   "for",    "from",   "full",    "go",        "grant",
+        "group",    "having",   "if",      "in",     "inner",  "insert",  "intersect", "into",
+        "is",       "join",     "left",    "like",   "not",    "null",    "on",        "option",
+        "or",       "order",    "outer",   "pivot",  "print",  "restore", "return",    "revoke",
+        "right",    "rollback", "select",  "set",    "table",  "then",    "top",       "transform",
+        "truncate", "union",    "unpivot", "update", "use",    "values",  "when",      "where",
+        "while",    "with"};
     return words;
 }
 
@@ -44,7 +45,8 @@ bool IsDigit(QChar c) { return c >= u'0' && c <= u'9'; }
 
 bool IsWordStart(QChar c)
 {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u'@' || c.unicode() >= 0x80;
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u'@' ||
+           c.unicode() >= 0x80;
 }
 
 bool IsBlank(QChar c) { return c.unicode() <= u' '; }

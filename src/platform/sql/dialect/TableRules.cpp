@@ -84,11 +84,10 @@ void TTableRules::WriteIdentity(const QString &tableText, const QString &table, 
     if (column.NotNull >= 0)
         C.Edits.Remove(column.NotNull, column.NotNull + 1);
     const QString firstNumber = column.Seed.isEmpty() ? u"1"_s : column.Seed;
-    furtherSteps.append(
-        u"create trigger %1 after insert on %2 when new.%3 is null begin update %2 set %3="
-        "(select coalesce(max(%3)+1, %4) from %2) where rowid=new.rowid; end"_s
-            .arg(QuotedSqlName(table + u'.' + SqlName(C.Edits[column.Name]) + u".identity"_s), tableText, name,
-                 firstNumber));
+    furtherSteps.append(u"create trigger %1 after insert on %2 when new.%3 is null begin update %2 set %3="
+                        "(select coalesce(max(%3)+1, %4) from %2) where rowid=new.rowid; end"_s.arg(
+                            QuotedSqlName(table + u'.' + SqlName(C.Edits[column.Name]) + u".identity"_s),
+                            tableText, name, firstNumber));
 }
 
 void TTableRules::AlterTable()

@@ -39,8 +39,8 @@ struct TPiece
 
 bool BeginsOption(const TSqlToken &token)
 {
-    return IsAnyOf(token, {"constraint"_L1, "primary"_L1, "not"_L1, "null"_L1, "unique"_L1, "check"_L1, "default"_L1,
-                           "collate"_L1, "references"_L1, "generated"_L1, "as"_L1});
+    return IsAnyOf(token, {"constraint"_L1, "primary"_L1, "not"_L1, "null"_L1, "unique"_L1, "check"_L1,
+                           "default"_L1, "collate"_L1, "references"_L1, "generated"_L1, "as"_L1});
 }
 
 /// Behind what belongs to the option that begins at a token.
@@ -125,13 +125,15 @@ TTableText::TTableText(const QString &sql)
         fail();
     while (at < tokens.Size() - 1 && !tokens[at].Is("table"_L1))
         ++at;
+    if (!tokens[at].Is("table"_L1))
+        fail();
     FHead = tokens.Written(0, at);
     ++at;
     int open = at;
     while (open < tokens.Size() - 1 && !tokens[open].IsOperator("("_L1))
         ++open;
     const int close = tokens.Match(open);
-    if (close < 0 || open == at)
+    if (close < 0 || open == at || tokens[close - 1].IsOperator(","_L1))
         fail();
     FName = NameOf(tokens[open - 1]);
     FTail = tokens.Written(close + 1, tokens.Size() - 1);
@@ -202,9 +204,15 @@ void TTableText::AlterColumn(const QString &name, const QString &text)
         pieces.removeIf([&](const TPiece &old) {
             return old.Kind == piece.Kind || (isType && old.Kind == "collate"_L1);
         });
-        const bool isNothing = piece.Kind == "default"_L1 && piece.Text.endsWith(u"null"_s, Qt::CaseInsensitive);
-        if (!isNothing)
-            pieces.insert(isType ? 0 : pieces.size(), piece);
+        const bool isNothing =
+            piece.Kind == "default"_L1 && piece.Text.endsWith(u"null"_s, Qt::CaseInsensitive);
+        const bool hasType = !pieces.isEmpty() && pieces.first().Kind.isEmpty();
+        if (isType)
+            pieces.prepend(piece);
+        else if (piece.Kind == "collate"_L1)
+            pieces.insert(hasType ? 1 : 0, piece);
+        else if (!isNothing)
+            pieces.append(piece);
     }
     column->Text = TextOf(oldTokens.Written(0, 0), pieces);
 }
@@ -242,8 +250,9 @@ void TTableText::DropColumn(const QString &name)
     for (const TItem &other : FColumns) {
         const TSqlEdits tokens = Tokens(other.Text);
         for (const TPiece &piece : PiecesOf(tokens, 1)) {
-            const bool isOwn = &other == column && (piece.Kind == "primary"_L1 || piece.Kind == "unique"_L1 ||
-                                                    piece.Kind == "check"_L1 || piece.Kind == "references"_L1);
+            const bool isOwn =
+                &other == column && (piece.Kind == "primary"_L1 || piece.Kind == "unique"_L1 ||
+                                     piece.Kind == "check"_L1 || piece.Kind == "references"_L1);
             const bool isUse = &other != column && !piece.Kind.isEmpty() && piece.Kind != "collate"_L1 &&
                                Mentions(piece.Text, name);
             if (isOwn || isUse)
@@ -262,7 +271,8 @@ bool TTableText::HasPrimaryKey() const
     const auto hasKey = [](const TItem &column) {
         const TSqlEdits tokens = Tokens(column.Text);
         const QList<TPiece> pieces = PiecesOf(tokens, 1);
-        return std::any_of(pieces.begin(), pieces.end(), [](const TPiece &p) { return p.Kind == "primary"_L1; });
+        return std::any_of(pieces.begin(), pieces.end(),
+                           [](const TPiece &p) { return p.Kind == "primary"_L1; });
     };
     return std::any_of(FConstraints.begin(), FConstraints.end(), isKey) ||
            std::any_of(FColumns.begin(), FColumns.end(), hasKey);

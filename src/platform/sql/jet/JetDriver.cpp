@@ -5,6 +5,7 @@
 #include "platform/sql/dialect/SqlRewriter.h"
 #include "platform/sql/dialect/SqlTokenizer.h"
 #include "platform/sql/jet/JetImport.h"
+#include "platform/sql/sqlite/DatabaseFile.h"
 #include "platform/sql/sqlite/SchemaRowsets.h"
 
 #include <sqlite3.h>
@@ -109,6 +110,8 @@ void TJetDriver::Connect(const TConnectionString &connection, const TSqlConnectO
         throw ESqlError(QStringLiteral("数据库文件“%1”设有密码，给出的密码不正确").arg(fileName));
     FFileName = fileName;
 }
+
+void TJetDriver::DropDatabase(const TConnectionString &connection) { RemoveDatabaseFile(connection.DataSource()); }
 
 void TJetDriver::Disconnect() { FFileName.clear(); }
 

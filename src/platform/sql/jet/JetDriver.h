@@ -30,6 +30,8 @@ public:
     void CommitTransaction() override;
     void RollbackTransaction() override;
     bool InTransaction() const override { return false; }
+    /// Removes the file: a Jet file can be replaced by a new database, though not written to.
+    void DropDatabase(const TConnectionString &connection) override;
     /// siTables, system tables first, and siColumns.
     TDataPacket OpenSchema(TSchemaInfo schema, const QVariantList &restrictions,
                            const QString &schemaId) override;

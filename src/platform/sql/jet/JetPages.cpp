@@ -79,7 +79,7 @@ TJetPages::~TJetPages() = default;
 bool TJetPages::HasMagic(const QString &fileName)
 {
     QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) && IsMagic(file.read(0x18));
+    return !fileName.isEmpty() && file.open(QIODevice::ReadOnly) && IsMagic(file.read(0x18));
 }
 
 // libmdb has just read and unmasked the first page. It knows the first 14 bytes of a Jet 3

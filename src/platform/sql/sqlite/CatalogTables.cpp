@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/sqlite/CatalogTables.h"
 
+#include "platform/sql/sqlite/DatabaseFile.h"
 #include "platform/sql/sqlite/SqliteMetadata.h"
 
 #include <QFileInfo>
@@ -61,8 +62,8 @@ void FillObjects(TSqliteDatabase &database)
 QDateTime CreatedOf(const QString &file)
 {
     try {
-        TSqliteDatabase database(file, TSqliteOpen::ReadOnly);
-        return DatabaseCreated(database);
+        // NOTE: not read-only, since such a connection leaves the engine's files beside the database.
+        return DatabaseCreated(*OpenDatabaseFile(file, TSqliteOpen::ReadWrite, 0));
     } catch (const ESqlError &) {
         return QFileInfo(file).lastModified();
     }

@@ -16,7 +16,7 @@ namespace {
 
 // The file is a row of blocks: block 0 is the gate, block n the slot of connection n. A slot
 // holds its entry's texts in UTF-8, a line each, filled with zeros.
-constexpr int BlockSize = 512;
+constexpr int BlockSize = 1024;
 constexpr int MaxSlots = 32767;
 
 struct flock ByteOfBlock(int block, short type)
@@ -58,23 +58,22 @@ private:
     int FFile;
 };
 
-/// The entry's texts in one block, each cut so that all of them fit.
+/// A text as a line of a block, cut to a number of bytes.
+QByteArray ToLine(QString text, qsizetype bytes)
+{
+    text.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    while (text.toUtf8().size() > bytes)
+        text.chop(1);
+    return text.toUtf8() + '\n';
+}
+
+/// The entry's texts in one block. A database's name always fits; a path may be cut.
 QByteArray ToBlock(const TRosterEntry &entry)
 {
-    const QStringList texts = {entry.ApplicationName, entry.ComputerName, entry.LoginName, entry.Database,
-                               QString::number(entry.ProcessId), entry.Connected.toString(Qt::ISODateWithMs)};
-    QByteArray block;
-    for (const QString &text : texts) {
-        QString line = text;
-        line.replace(QLatin1Char('\n'), QLatin1Char(' '));
-        QByteArray bytes = line.toUtf8();
-        while (bytes.size() > 110) {
-            line.chop(1);
-            bytes = line.toUtf8();
-        }
-        block += bytes + '\n';
-    }
-    return block.leftJustified(BlockSize, '\0', true);
+    return (ToLine(entry.ApplicationName, 160) + ToLine(entry.ComputerName, 160) + ToLine(entry.LoginName, 160) +
+            ToLine(entry.Database, 400) + ToLine(QString::number(entry.ProcessId), 20) +
+            ToLine(entry.Connected.toString(Qt::ISODateWithMs), 40))
+        .leftJustified(BlockSize, '\0', true);
 }
 
 TRosterEntry FromBlock(int number, const QByteArray &block)

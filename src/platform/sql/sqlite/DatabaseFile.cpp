@@ -38,10 +38,11 @@ void CheckHeader(const QString &fileName)
 
 } // namespace
 
-std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode)
+std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode, int timeout)
 {
     CheckHeader(fileName);
     auto database = std::make_unique<TSqliteDatabase>(fileName, mode);
+    sqlite3_busy_timeout(database->Handle(), timeout * 1000);
     // The engine opens lazily: the first read shows whether the file can be used at all.
     database->Value("select count(*) from sqlite_master");
     return database;

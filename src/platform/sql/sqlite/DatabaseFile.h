@@ -8,8 +8,9 @@
 namespace Korvane {
 
 /// Opens a database file after looking at what it is. Raises ESqlError with the file's name
-/// when it is missing, a folder, empty, of another format or cannot be read.
-std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode);
+/// when it is missing, a folder, empty, of another format or cannot be read. Another user's
+/// lock is waited for, now and later, as long as is told, in seconds.
+std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode, int timeout);
 
 /// Makes a new database file with its metadata. Raises ESqlError when the file exists or
 /// cannot be written, and leaves nothing behind then.

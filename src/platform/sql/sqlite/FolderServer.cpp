@@ -50,8 +50,8 @@ QString TFolderServer::FileOf(const QString &database) const
 QStringList TFolderServer::Databases() const
 {
     QStringList names = {QStringLiteral("master")};
-    for (const QString &file : QDir(FFolder).entryList({QLatin1Char('*') + QLatin1String(Suffix)}, QDir::Files,
-                                                       QDir::Name)) {
+    for (const QString &file : QDir(FFolder).entryList({QLatin1Char('*') + QLatin1String(Suffix)},
+                                                       QDir::Files | QDir::CaseSensitive, QDir::Name)) {
         const QString name = file.chopped(qsizetype(strlen(Suffix)));
         if (name.compare(names.first(), Qt::CaseInsensitive) != 0)
             names.append(name);

@@ -110,7 +110,7 @@ TDataPacket ColumnsRowset(TSqliteDatabase &database, const QVariantList &restric
                                        "c.dflt_value from sqlite_master m, pragma_table_info(m.name) c "
                                        "where m.type in ('table', 'view') order by m.name, c.cid");
     while (columns.Step()) {
-        const QString type = columns.String(3);
+        const QString type = columns.String(3).toLower(); // the engine gives some in capitals
         rowset.Add({columns.String(0), columns.String(1), columns.Int(2), type, DeclaredLength(type),
                     columns.Int(4) ? QStringLiteral("N") : QStringLiteral("Y"),
                     columns.IsNull(5) ? QVariant() : QVariant(columns.String(5))});
@@ -130,7 +130,7 @@ TDataPacket IndexesRowset(TSqliteDatabase &database, const QVariantList &restric
     TSqliteStatement indexes(database,
                              "select m.name, i.name, c.name, c.seqno + 1, i.\"unique\", i.origin = 'pk' "
                              "from sqlite_master m, pragma_index_list(m.name) i, pragma_index_info(i.name) c "
-                             "where m.type = 'table' order by m.name, i.name, c.seqno");
+                             "where m.type = 'table' and m.name <> '_korvane' order by m.name, i.name, c.seqno");
     const auto flag = [](bool value) { return value ? QStringLiteral("Y") : QStringLiteral("N"); };
     while (indexes.Step())
         rowset.Add({indexes.String(0), PlainIndexName(indexes.String(0), indexes.String(1)), indexes.String(2),

@@ -125,10 +125,14 @@ void TSqliteStatement::Bind(int index, const QVariant &value)
 
 void TSqliteStatement::Bind(std::span<const TSqlParameter> parameters)
 {
-    for (const TSqlParameter &parameter : parameters) {
-        const QByteArray name = ':' + parameter.Name.toUtf8();
-        if (const int index = sqlite3_bind_parameter_index(FStatement, name.constData()))
-            Bind(index, parameter.Value);
+    // The engine tells names of different case apart, the library does not.
+    const int count = parameters.empty() ? 0 : sqlite3_bind_parameter_count(FStatement);
+    for (int index = 1; index <= count; ++index) {
+        const char *name = sqlite3_bind_parameter_name(FStatement, index);
+        const QString wanted = name ? QString::fromUtf8(name + 1) : QString();
+        for (const TSqlParameter &parameter : parameters)
+            if (parameter.Name.compare(wanted, Qt::CaseInsensitive) == 0)
+                Bind(index, parameter.Value);
     }
 }
 
@@ -197,8 +201,9 @@ struct TDeclaredType
 /// First match wins; the parts are looked for in the declared type in lower case, as the
 /// engine itself does for its affinities (sqlite.org/datatype3.html).
 constexpr TDeclaredType DeclaredTypes[] = {
-    {"char", ftString},     {"datetime", ftString}, {"guid", ftString},      {"blob", ftBlob},
+    {"char", ftString},     {"date", ftString},     {"time", ftString},      {"blob", ftBlob},
     {"image", ftBlob},      {"binary", ftBlob},     {"clob", ftMemo},        {"text", ftMemo},
+    {"guid", ftString},
     {"memo", ftMemo},       {"bigint", ftLargeint}, {"smallint", ftSmallint}, {"int", ftInteger},
     {"decimal", ftFloat},   {"numeric", ftFloat},   {"money", ftCurrency},   {"currency", ftCurrency},
     {"float", ftFloat},     {"real", ftFloat},      {"doub", ftFloat},       {"bool", ftBoolean},

@@ -15,6 +15,8 @@
 
 #include <sqlite3.h>
 
+#include <cctype>
+
 namespace Korvane {
 
 namespace {
@@ -24,52 +26,98 @@ void SessionNumberFunction(sqlite3_context *context, int, sqlite3_value **)
     sqlite3_result_int(context, static_cast<TSqliteDriver *>(sqlite3_user_data(context))->SessionNumber());
 }
 
-/// Undoes all steps of a statement when one of them fails.
-class TSavepoint
+/// Does several steps as a whole: undoes them all unless they are completed. Outside of a
+/// transaction it is one of its own that takes the write lock at once, so that another
+/// writer is waited for at the start and not in the middle, where the engine could only refuse.
+class TWholeSteps
 {
 public:
-    explicit TSavepoint(TSqliteDatabase &database) : FDatabase(database) { FDatabase.Run("savepoint korvane_steps"); }
-    ~TSavepoint()
+    TWholeSteps(TSqliteDatabase &database, bool readOnly)
+        : FDatabase(database), FNested(database.InTransaction())
     {
-        if (FReleased)
+        FDatabase.Run(FNested ? "savepoint korvane_steps" : readOnly ? "begin" : "begin immediate");
+    }
+    ~TWholeSteps()
+    {
+        // Some failures end the transaction by themselves: then nothing is left to undo.
+        if (FCompleted || !FDatabase.InTransaction())
             return;
         try {
-            FDatabase.Run("rollback to korvane_steps");
-            FDatabase.Run("release korvane_steps");
+            if (FNested) {
+                FDatabase.Run("rollback to korvane_steps");
+                FDatabase.Run("release korvane_steps");
+            } else {
+                FDatabase.Run("rollback");
+            }
         } catch (const ESqlError &) {
-            // Some failures end the transaction by themselves: then nothing is left to undo.
+            // The failure that led here is the one to tell.
         }
     }
-    void Release()
+    TWholeSteps(const TWholeSteps &) = delete;
+    TWholeSteps &operator=(const TWholeSteps &) = delete;
+
+    void Complete()
     {
-        FDatabase.Run("release korvane_steps");
-        FReleased = true;
+        FDatabase.Run(FNested ? "release korvane_steps" : "commit");
+        FCompleted = true;
     }
 
 private:
     TSqliteDatabase &FDatabase;
-    bool FReleased = false;
+    const bool FNested;
+    bool FCompleted = false;
 };
 
-bool BeginsWith(const QByteArray &sql, std::string_view word)
+/// The first words of a statement in lower case, parted by single blanks, comments left out.
+QByteArray LeadingWords(const QByteArray &sql, int count)
 {
-    const QByteArray text = sql.trimmed();
-    return text.size() >= qsizetype(word.size()) && qstrnicmp(text.constData(), word.data(), word.size()) == 0;
-}
-
-bool BeginsWithAny(const TRewrittenStep &step, std::initializer_list<const char *> words)
-{
-    return std::any_of(words.begin(), words.end(), [&](const char *word) { return BeginsWith(step.Sql, word); });
+    QByteArray words;
+    for (qsizetype i = 0; i < sql.size() && count > 0;) {
+        const char c = sql[i];
+        if (sql.mid(i, 2) == "--") {
+            const qsizetype end = sql.indexOf('\n', i);
+            i = end < 0 ? sql.size() : end + 1;
+        } else if (sql.mid(i, 2) == "/*") {
+            const qsizetype end = sql.indexOf("*/", i + 2);
+            i = end < 0 ? sql.size() : end + 2;
+        } else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')) {
+            qsizetype end = i;
+            while (end < sql.size() && std::isalpha(static_cast<unsigned char>(sql[end])))
+                ++end;
+            words += (words.isEmpty() ? "" : " ") + sql.mid(i, end - i).toLower();
+            i = end;
+            --count;
+        } else if (std::isspace(static_cast<unsigned char>(c))) {
+            ++i;
+        } else {
+            break;
+        }
+    }
+    return words;
 }
 
 bool ControlsTransaction(const TRewrittenStep &step)
 {
-    return BeginsWithAny(step, {"begin", "commit", "rollback", "savepoint", "release", "end"});
+    static const QByteArrayList words = {"begin", "commit", "rollback", "savepoint", "release", "end"};
+    return words.contains(LeadingWords(step.Sql, 1));
 }
 
-bool MakesOrDropsTable(const TRewrittenStep &step) { return BeginsWithAny(step, {"create table", "drop table"}); }
+bool ChangesRows(const TRewrittenStep &step)
+{
+    static const QByteArrayList words = {"insert", "update", "delete", "replace", "with"};
+    return words.contains(LeadingWords(step.Sql, 1));
+}
 
+bool MakesTable(const TRewrittenStep &step) { return LeadingWords(step.Sql, 2) == "create table"; }
+bool DropsTable(const TRewrittenStep &step) { return LeadingWords(step.Sql, 2) == "drop table"; }
 bool ChangesTable(const TRewrittenStep &step) { return step.Change.has_value(); }
+
+bool OnlyReads(const TRewrittenStatement &rewritten)
+{
+    return std::all_of(rewritten.Steps.begin(), rewritten.Steps.end(), [](const TRewrittenStep &step) {
+        return !step.Change && LeadingWords(step.Sql, 1) == "select";
+    });
+}
 
 bool AnyStep(const TRewrittenStatement &rewritten, bool (*is)(const TRewrittenStep &))
 {
@@ -100,7 +148,9 @@ void TSqliteDriver::Connect(const TConnectionString &connection, const TSqlConne
             const QString file = FServer->FileOf(name);
             if (name.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0 && !QFileInfo::exists(file))
                 CreateDatabaseFile(file, {});
-            OpenFile(file, connection, options);
+            TConnectionString named = connection;
+            named.SetValue(QStringLiteral("Initial Catalog"), name);
+            OpenFile(file, named, options);
         }
     } catch (...) {
         Disconnect();
@@ -118,10 +168,11 @@ void TSqliteDriver::OpenFile(const QString &fileName, const TConnectionString &c
     // NOTE: the roster is joined before the file is opened, so that nobody drops a database
     // between its being found and its being used.
     if (!FReadOnly && QFileInfo::exists(fileName))
-        JoinRoster(RosterFileOf(fileName), connection);
-    FDatabase = OpenDatabaseFile(fileName, FReadOnly ? TSqliteOpen::ReadOnly : TSqliteOpen::ReadWrite);
+        JoinRoster(RosterFileOf(fileName), connection, options.ApplicationName);
+    FDatabase = OpenDatabaseFile(fileName, FReadOnly ? TSqliteOpen::ReadOnly : TSqliteOpen::ReadWrite,
+                                 options.CommandTimeout);
     CheckDatabasePassword(*FDatabase, FPassword);
-    Configure(options);
+    Configure();
 }
 
 QString TSqliteDriver::RosterFileOf(const QString &fileName) const
@@ -129,12 +180,11 @@ QString TSqliteDriver::RosterFileOf(const QString &fileName) const
     return FServer ? FServer->RosterFile() : fileName + QStringLiteral("-roster");
 }
 
-void TSqliteDriver::JoinRoster(const QString &rosterFile, const TConnectionString &connection)
+void TSqliteDriver::JoinRoster(const QString &rosterFile, const TConnectionString &connection,
+                               const QString &applicationName)
 {
     TRosterEntry entry;
-    entry.ApplicationName = connection.ApplicationName();
-    if (entry.ApplicationName.isEmpty() && FDialect == TSqlDialect::Access)
-        entry.ApplicationName = QCoreApplication::applicationName();
+    entry.ApplicationName = applicationName.isEmpty() ? connection.ApplicationName() : applicationName;
     entry.ComputerName = QSysInfo::machineHostName();
     entry.LoginName = connection.UserID();
     entry.Database = FServer ? connection.InitialCatalog() : connection.DataSource();
@@ -144,15 +194,19 @@ void TSqliteDriver::JoinRoster(const QString &rosterFile, const TConnectionStrin
     FRoster->Join(entry);
 }
 
-void TSqliteDriver::Configure(const TSqlConnectOptions &options)
+void TSqliteDriver::Configure()
 {
     sqlite3 *handle = FDatabase->Handle();
-    sqlite3_busy_timeout(handle, options.CommandTimeout * 1000);
     FDatabase->Run("pragma temp_store=memory");
     if (!FReadOnly) {
         ChooseJournal(*FDatabase);
         FDatabase->Run("pragma synchronous=full");
         FDatabase->Run("pragma foreign_keys=on");
+    }
+    if (FServer) {
+        // Names like orders..CUSTOMER find the database by its name; "main" goes on working.
+        FMainName = QFileInfo(FDatabase->FileName()).completeBaseName().toUtf8();
+        sqlite3_db_config(handle, SQLITE_DBCONFIG_MAINDBNAME, FMainName.constData());
     }
     RegisterSqlFunctions(handle, FDialect);
     sqlite3_create_function_v2(handle, "korvane_spid", 0, SQLITE_UTF8, this, SessionNumberFunction, nullptr, nullptr,
@@ -177,11 +231,7 @@ TSqliteDatabase &TSqliteDriver::Database() const
 
 qint64 TSqliteDriver::Execute(const QString &statement, std::span<const TSqlParameter> parameters)
 {
-    sqlite3 *handle = Database().Handle();
-    const qint64 before = sqlite3_total_changes64(handle);
-    Run(statement, parameters, nullptr);
-    // The engine keeps the count of the statement before when one changes no rows.
-    return FDatabase && sqlite3_total_changes64(handle) != before ? FDatabase->Changes() : 0;
+    return Run(statement, parameters, nullptr);
 }
 
 TDataPacket TSqliteDriver::Query(const QString &statement, std::span<const TSqlParameter> parameters)
@@ -191,30 +241,35 @@ TDataPacket TSqliteDriver::Query(const QString &statement, std::span<const TSqlP
     return rows;
 }
 
-void TSqliteDriver::Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows)
+qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows)
 {
     TSqliteDatabase &database = Database();
     const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
-    if (rewritten.Command != TServerCommand::None)
-        return RunServerCommand(rewritten);
+    if (rewritten.Command != TServerCommand::None) {
+        RunServerCommand(rewritten);
+        return 0;
+    }
     if (!rewritten.CatalogTables.isEmpty())
         FillCatalogTables(database, rewritten.CatalogTables, FServer ? &*FServer : nullptr, FRoster.get());
 
     const bool changesTable = AnyStep(rewritten, ChangesTable);
-    const bool single = rewritten.Steps.size() <= 1 && !changesTable && !AnyStep(rewritten, MakesOrDropsTable);
+    const bool single = rewritten.Steps.size() <= 1 && !changesTable && !AnyStep(rewritten, MakesTable) &&
+                        !AnyStep(rewritten, DropsTable);
     if (single || AnyStep(rewritten, ControlsTransaction))
         return RunSteps(rewritten, parameters, rows);
 
     // What one text asks for is done as a whole or not at all.
     const TForeignKeyPause pause(database, changesTable);
-    TSavepoint savepoint(database);
-    RunSteps(rewritten, parameters, rows);
-    savepoint.Release();
+    TWholeSteps whole(database, OnlyReads(rewritten) || sqlite3_db_readonly(database.Handle(), "main") != 0);
+    const qint64 affected = RunSteps(rewritten, parameters, rows);
+    whole.Complete();
+    return affected;
 }
 
-void TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
-                             TDataPacket *rows)
+qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
+                               TDataPacket *rows)
 {
+    qint64 affected = 0;
     for (const TRewrittenStep &step : rewritten.Steps) {
         if (step.Change) {
             RebuildTable(*FDatabase, *step.Change);
@@ -224,14 +279,20 @@ void TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, std::span<con
         if (!statement.IsValid())
             continue;
         statement.Bind(parameters);
+        const qint64 mark = MakesTable(step) ? SchemaMark(*FDatabase) : -1;
         if (rows && statement.ColumnCount() > 0)
             *rows = statement.ReadAll();
         else
             while (statement.Step()) {
             }
+        if (ChangesRows(step) && sqlite3_stmt_readonly(statement.Handle()) == 0)
+            affected += FDatabase->Changes();
+        if (mark >= 0)
+            RecordTables(*FDatabase, mark);
+        else if (DropsTable(step))
+            ForgetTables(*FDatabase);
     }
-    if (AnyStep(rewritten, MakesOrDropsTable))
-        RecordTables(*FDatabase);
+    return affected;
 }
 
 void TSqliteDriver::BeginTransaction()
@@ -243,11 +304,7 @@ void TSqliteDriver::BeginTransaction()
 
 void TSqliteDriver::CommitTransaction() { Database().Run("commit"); }
 
-void TSqliteDriver::RollbackTransaction()
-{
-    if (InTransaction())
-        Database().Run("rollback");
-}
+void TSqliteDriver::RollbackTransaction() { Database().Run("rollback"); }
 
 bool TSqliteDriver::InTransaction() const { return FDatabase && FDatabase->InTransaction(); }
 
@@ -323,7 +380,7 @@ void TSqliteDriver::DropServerDatabase(const QString &name)
         throw ESqlError(QStringLiteral("不能删除数据库：%1").arg(name));
     const QString file = FServer->FileOf(name);
     // A database with a password goes only to who knows it.
-    CheckDatabasePassword(*OpenDatabaseFile(file, TSqliteOpen::ReadWrite), FPassword);
+    CheckDatabasePassword(*OpenDatabaseFile(file, TSqliteOpen::ReadWrite, 0), FPassword);
     FRoster->WhileClosed([&](const QList<TRosterEntry> &entries) {
         for (const TRosterEntry &entry : entries)
             if (entry.Database.compare(name, Qt::CaseInsensitive) == 0)

@@ -43,13 +43,14 @@ public:
 
 private:
     void OpenFile(const QString &fileName, const TConnectionString &connection, const TSqlConnectOptions &options);
-    void JoinRoster(const QString &rosterFile, const TConnectionString &connection);
-    void Configure(const TSqlConnectOptions &options);
+    void JoinRoster(const QString &rosterFile, const TConnectionString &connection, const QString &applicationName);
+    void Configure();
     TSqliteDatabase &Database() const;
-    /// Runs all steps; the rows of the last statement that gives some go to the packet.
-    void Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows);
-    void RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
-                  TDataPacket *rows);
+    /// Runs all steps and returns how many rows they changed; the rows of the last statement
+    /// that gives some go to the packet.
+    qint64 Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows);
+    qint64 RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
+                    TDataPacket *rows);
     void RunServerCommand(const TRewrittenStatement &rewritten);
     void CreateServerDatabase(const QString &name);
     void DropServerDatabase(const QString &name);
@@ -58,6 +59,7 @@ private:
     const TSqlDialect FDialect;
     std::optional<TFolderServer> FServer; // MSSQL dialect only
     std::unique_ptr<TConnectionRoster> FRoster;
+    QByteArray FMainName; // the engine keeps the pointer, so that it stands before the database
     std::unique_ptr<TSqliteDatabase> FDatabase;
     QString FPassword; // for databases made over this connection
     bool FReadOnly = false;

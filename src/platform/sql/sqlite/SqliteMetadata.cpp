@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+#include <sqlite3.h>
+
 namespace Korvane {
 
 namespace {
@@ -17,7 +19,8 @@ QByteArray PresentTime() { return QDateTime::currentDateTime().toString(Qt::ISOD
 
 bool HasMetadata(TSqliteDatabase &database)
 {
-    return !database.Value("select 1 from sqlite_master where type='table' and name='_korvane'").isEmpty();
+    return sqlite3_table_column_metadata(database.Handle(), "main", MetadataTable, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr) == SQLITE_OK;
 }
 
 QString MetadataValue(TSqliteDatabase &database, std::string_view kind)
@@ -77,18 +80,30 @@ QHash<QString, QDateTime> TablesCreated(TSqliteDatabase &database)
     return tables;
 }
 
-void RecordTables(TSqliteDatabase &database)
+qint64 SchemaMark(TSqliteDatabase &database)
+{
+    // Rows of the schema are numbered in the order in which they are made.
+    return database.Value("select max(rowid) from sqlite_master").toLongLong();
+}
+
+void RecordTables(TSqliteDatabase &database, qint64 mark)
 {
     if (!HasMetadata(database))
         return;
-    database.Run("delete from _korvane where Kind='table' and Name not in "
-                 "(select name from sqlite_master where type='table')");
-    TSqliteStatement statement(database, "insert or ignore into _korvane(Kind, Name, Value) "
-                                         "select 'table', name, ?1 from sqlite_master where type='table' "
-                                         "and name not like 'sqlite\\_%' escape '\\' and name<>'_korvane'");
+    TSqliteStatement statement(database, "insert or replace into _korvane(Kind, Name, Value) "
+                                         "select 'table', name, ?1 from sqlite_master where rowid>?2 and type='table' "
+                                         "and name not like 'sqlite\\_%' escape '\\'");
     const QByteArray now = PresentTime();
     statement.BindText(1, {now.constData(), size_t(now.size())});
+    statement.BindInt(2, mark);
     statement.Step();
+}
+
+void ForgetTables(TSqliteDatabase &database)
+{
+    if (HasMetadata(database))
+        database.Run("delete from _korvane where Kind='table' and Name not in "
+                     "(select name from sqlite_master where type='table')");
 }
 
 } // namespace Korvane

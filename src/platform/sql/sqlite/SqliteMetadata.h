@@ -26,8 +26,11 @@ void CheckDatabasePassword(TSqliteDatabase &database, const QString &password);
 QDateTime DatabaseCreated(TSqliteDatabase &database);
 /// When each table was made, by name in lower case, as far as that is recorded.
 QHash<QString, QDateTime> TablesCreated(TSqliteDatabase &database);
-/// Brings the record up to the tables that there are now. Does nothing for a file without
-/// metadata.
-void RecordTables(TSqliteDatabase &database);
+/// A mark of the schema as it is, for RecordTables.
+qint64 SchemaMark(TSqliteDatabase &database);
+/// Records the tables made since a mark. Does nothing for a file without metadata.
+void RecordTables(TSqliteDatabase &database, qint64 mark);
+/// Forgets the tables that are gone. Does nothing for a file without metadata.
+void ForgetTables(TSqliteDatabase &database);
 
 } // namespace Korvane

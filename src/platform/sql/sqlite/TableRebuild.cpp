@@ -116,6 +116,8 @@ void RebuildTable(TSqliteDatabase &database, const TTableChange &change)
     database.Run("alter table " + QuotedName(passing) + " rename to " + QuotedName(old.Name));
     for (const QByteArray &statement : dependents)
         database.Run(statement);
+    if (!database.Value("pragma foreign_key_check(" + QuotedName(old.Name) + ')').isEmpty())
+        throw ESqlError(QStringLiteral("表中已有不符合外键约束的记录：%1").arg(old.Name));
 }
 
 TForeignKeyPause::TForeignKeyPause(TSqliteDatabase &database, bool needed) : FDatabase(database)

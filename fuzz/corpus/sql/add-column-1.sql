@@ -1,0 +1,1 @@
+alter table T add TAXNO varchar(20) null

@@ -1,0 +1,1 @@
+alter table Z add X1 int null, X2 bit not null default 1, X3 int not null

@@ -1,0 +1,1 @@
+alter table T add NO int identity

@@ -1,0 +1,1 @@
+select X = A+1, Y=B from T

@@ -1,0 +1,1 @@
+alter table W alter column B varchar(20) not null

@@ -1,0 +1,1 @@
+alter table W alter column B set default X

@@ -1,0 +1,1 @@
+alter table W add constraint DF_B default 'z' for B

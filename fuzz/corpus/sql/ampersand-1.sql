@@ -1,0 +1,1 @@
+select A & '-' & N+1 from T

@@ -1,0 +1,1 @@
+select N & 1 + 2 from T

@@ -1,0 +1,1 @@
+insert into T(ID) values(7) update T set A='x' where ID=7; delete from U

@@ -1,0 +1,1 @@
+select count(*) as UserCount from master..sysprocesses where program_name='x'

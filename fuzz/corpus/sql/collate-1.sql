@@ -1,0 +1,1 @@
+select 1 from T where A collate Chinese_PRC_CS_AS='x' or A='y' collate database_default

@@ -1,0 +1,1 @@
+select 1 from T where A is null  --客户.名称

@@ -1,0 +1,1 @@
+select 1 from T where left(A,1)='x' and A='x' and 'N'='Y'

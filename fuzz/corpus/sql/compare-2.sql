@@ -1,0 +1,1 @@
+select 1 from T where lower(A) in ('a') and N !< 5 and upper(A) between 'A' and 'B' and A+'x'<>'ax'

@@ -1,0 +1,1 @@
+alter table W with nocheck add constraint UX unique nonclustered (C)

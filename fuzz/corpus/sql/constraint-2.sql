@@ -1,0 +1,1 @@
+alter table W drop constraint CK_B

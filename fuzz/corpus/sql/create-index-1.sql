@@ -1,0 +1,1 @@
+create unique clustered index UX on T(A,B)

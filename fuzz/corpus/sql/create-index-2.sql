@@ -1,0 +1,1 @@
+create nonclustered index UX on dbo.[T](A desc) with fillfactor=80 on [PRIMARY]

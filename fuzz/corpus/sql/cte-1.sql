@@ -1,0 +1,1 @@
+with q as (select top 1 A from T) select * from q

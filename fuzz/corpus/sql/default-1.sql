@@ -1,0 +1,1 @@
+create table X(A char(4) default CNY, B char(4) default 0001, C int default -1, E varchar(5) default '', G varchar(9) default 中文)

@@ -1,0 +1,1 @@
+create table X(A int constraint DF_A default '0', B char(3) default N'x')

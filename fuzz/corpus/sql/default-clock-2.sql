@@ -1,0 +1,1 @@
+create table X(A datetime default (getdate()))

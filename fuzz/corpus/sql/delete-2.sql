@@ -1,0 +1,1 @@
+delete T.* from T where ID=1

@@ -1,0 +1,1 @@
+delete T where ID=1

@@ -1,0 +1,1 @@
+delete T.* from T inner join U on T.ID=U.ID

@@ -1,0 +1,1 @@
+delete q from T q join U on q.ID=U.ID where U.N=1

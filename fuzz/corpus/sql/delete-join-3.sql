@@ -1,0 +1,1 @@
+delete from T from T join U on T.ID=U.ID

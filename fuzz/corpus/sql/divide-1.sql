@@ -1,0 +1,1 @@
+select N/2, 1/2 from T

@@ -1,0 +1,1 @@
+select N/2, 7/2, len(A)/2 from T

@@ -1,0 +1,1 @@
+alter table W drop column C, column E

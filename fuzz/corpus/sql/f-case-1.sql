@@ -1,0 +1,1 @@
+select ucase(A), lcase(A), trim(A), space(2), string(2,'x'), chr(65), asc(A) from T

@@ -1,0 +1,1 @@
+select upper(A), replicate('x',2), ascii(A) from T

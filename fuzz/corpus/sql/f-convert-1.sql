@@ -1,0 +1,1 @@
+select cstr(N), cint(N), cdbl(N), val(A), str(N) from T

@@ -1,0 +1,1 @@
+select convert(varchar(8), getdate(), 112), cast(N as decimal(10, 2)), cast(N as varchar), convert(int, N) from T

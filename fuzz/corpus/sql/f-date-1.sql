@@ -1,0 +1,1 @@
+select year(D), dateadd('d',1,D), datediff('m',D,D), weekday(D), dateserial(2024,1,31) from T

@@ -1,0 +1,1 @@
+select datepart(mm, D), dateadd(day, 1, D), datediff(year, D, D) from T

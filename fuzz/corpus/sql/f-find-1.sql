@@ -1,0 +1,1 @@
+select instr(2, A, 'x') from T

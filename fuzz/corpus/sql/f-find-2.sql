@@ -1,0 +1,1 @@
+select charindex('x', A) from T

@@ -1,0 +1,1 @@
+select format(D,'yyyy-mm-dd') from T

@@ -1,0 +1,1 @@
+select iif(N>1,'a','b') from T

@@ -1,0 +1,1 @@
+select case when N>1 then 'a' else 'b' end+A from T

@@ -1,0 +1,1 @@
+select left(A,1), right(A,1), mid(A,2), len(A) from T

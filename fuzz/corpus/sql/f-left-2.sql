@@ -1,0 +1,1 @@
+select substring(A,1,2) from T

@@ -1,0 +1,1 @@
+select isnull(A), nz(A,0), nz(A) from T

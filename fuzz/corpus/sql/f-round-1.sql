@@ -1,0 +1,1 @@
+select int(N), fix(N), abs(N), round(N,1) from T

@@ -1,0 +1,1 @@
+select round(N,1), power(N,2) from T

@@ -1,0 +1,1 @@
+select A from T where F=True or F<>No

@@ -1,0 +1,1 @@
+select isnull(A)=False from T

@@ -1,0 +1,1 @@
+select T.A from T with (nolock) join U (nolock) on T.ID=U.ID option (maxdop 1)

@@ -1,0 +1,1 @@
+select distinctrow B from T

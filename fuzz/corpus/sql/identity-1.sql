@@ -1,0 +1,1 @@
+create table X(ID counter, A int, constraint PK_X primary key(ID))

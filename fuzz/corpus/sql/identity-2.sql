@@ -1,0 +1,1 @@
+create table X(ID int identity(100,1) primary key clustered)

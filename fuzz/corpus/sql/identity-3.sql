@@ -1,0 +1,1 @@
+create table X(ID int identity(1,2))

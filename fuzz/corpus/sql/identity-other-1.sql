@@ -1,0 +1,1 @@
+create table X(ID int identity not null, A int not null, primary key(A, ID))

@@ -1,0 +1,1 @@
+insert T(A,B) values(N'a','b')

@@ -1,0 +1,1 @@
+insert into T(T.ID, T.A) select top 1 ID, A from U

@@ -1,0 +1,1 @@
+select T.A, W.B from ((T left join U on T.ID=U.ID) left join W on U.ID=W.A)

@@ -1,0 +1,1 @@
+create table X(A int, B int null, constraint PK_X primary key nonclustered (A asc) with fillfactor=80 on [PRIMARY], unique clustered (B)) on [PRIMARY]

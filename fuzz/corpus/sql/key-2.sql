@@ -1,0 +1,1 @@
+create table X(A int constraint PK primary key, B int references U(ID) on delete cascade)

@@ -1,0 +1,1 @@
+select A from T where A like 'a*' and A not like '[!b]?#'

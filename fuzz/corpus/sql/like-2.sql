@@ -1,0 +1,1 @@
+select A from T where A like '5!%%' escape '!'

@@ -1,0 +1,1 @@
+select 1 from T where N=1 xor N=2

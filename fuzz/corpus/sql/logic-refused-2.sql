@@ -1,0 +1,1 @@
+select 1 from T where N>all (select N from U)

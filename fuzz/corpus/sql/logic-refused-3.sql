@@ -1,0 +1,1 @@
+select 1 from T, U where T.ID*=U.ID

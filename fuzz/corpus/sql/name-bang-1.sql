@@ -1,0 +1,1 @@
+select T!A from T

@@ -1,0 +1,1 @@
+select dbo.T.A from dbo.T where T.ID=1

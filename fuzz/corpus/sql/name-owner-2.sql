@@ -1,0 +1,1 @@
+select main..T.A from main.dbo.T

@@ -1,0 +1,1 @@
+create table #t(A int) insert into #t values(1)

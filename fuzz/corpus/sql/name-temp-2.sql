@@ -1,0 +1,1 @@
+select A into #t from T

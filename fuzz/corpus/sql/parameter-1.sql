@@ -1,0 +1,1 @@
+select A from T where A=:甲 or B=?

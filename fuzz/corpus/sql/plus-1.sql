@@ -1,0 +1,1 @@
+select A+'x'+B, N+1, A+B, N*2+N, A+B+B from T

@@ -1,0 +1,1 @@
+select '1'+5, (A+B)+1, -N+'5' from T

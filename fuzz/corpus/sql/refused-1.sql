@@ -1,0 +1,1 @@
+transform sum(N) select A from T group by A pivot B

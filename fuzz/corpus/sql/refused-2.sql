@@ -1,0 +1,1 @@
+parameters p text; select 1

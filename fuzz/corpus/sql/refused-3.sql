@@ -1,0 +1,1 @@
+declare @x int

@@ -1,0 +1,1 @@
+if 1=1 select 1

@@ -1,0 +1,1 @@
+create procedure p as select 1

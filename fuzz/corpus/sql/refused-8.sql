@@ -1,0 +1,1 @@
+select A from T for xml auto

@@ -1,0 +1,1 @@
+select A, B into NEWT from T

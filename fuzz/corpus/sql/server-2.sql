@@ -1,0 +1,1 @@
+backup database x to disk='f' with init

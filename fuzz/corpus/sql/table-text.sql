@@ -1,0 +1,1 @@
+CREATE TABLE "T" (ID integer not null, [A B] varchar(10) collate nocase default 'x' constraint CK check([A B]<>')'), C int references U(ID) on delete set null, constraint PK primary key(ID autoincrement)) without rowid

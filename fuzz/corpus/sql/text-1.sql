@@ -1,0 +1,1 @@
+select "it's ""so""", 'b''c'

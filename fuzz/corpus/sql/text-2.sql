@@ -1,0 +1,1 @@
+select N'中''文', "A" from T

@@ -1,0 +1,1 @@
+select distinct top 2 A from T order by A --end

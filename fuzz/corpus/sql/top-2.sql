@@ -1,0 +1,1 @@
+select top (2) A from T union all select top 1 A from U

@@ -1,0 +1,1 @@
+select A from T where ID in (select top 1 ID from U order by ID)

@@ -1,0 +1,1 @@
+select top 5 with ties A from T order by A

@@ -1,0 +1,1 @@
+begin tran update T set A=1 commit tran

@@ -1,0 +1,1 @@
+begin transaction; rollback

@@ -1,0 +1,1 @@
+create table X(A bit default 1, B yesno default No)

@@ -1,0 +1,1 @@
+create table X(A bit not null default 0, B bit default ((1)))

@@ -1,0 +1,1 @@
+create table X(A smalldatetime, B image, C varbinary(max), E date)

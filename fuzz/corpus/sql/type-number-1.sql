@@ -1,0 +1,1 @@
+create table X(A byte, B short, C long, E single, F double, G currency, H decimal(12, 2))

@@ -1,0 +1,1 @@
+create table X(A tinyint, B integer, C bigint, E numeric(12,3), F real, G money)

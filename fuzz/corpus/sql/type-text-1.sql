@@ -1,0 +1,1 @@
+create table X(A varchar(10), B memo, C text(5) with compression, E longtext)

@@ -1,0 +1,1 @@
+create table X(A nvarchar(10) collate Chinese_PRC_CI_AS null, B ntext, C nvarchar(max))

@@ -1,0 +1,1 @@
+(select A from T) union (select A from U)

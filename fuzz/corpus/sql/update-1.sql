@@ -1,0 +1,1 @@
+update T q set q.A=1, B=2 where q.ID=3

@@ -1,0 +1,1 @@
+update T inner join U on T.ID=U.ID set T.A=U.A where U.N=1

@@ -1,0 +1,1 @@
+update q set q.A=U.A, N=U.N+1 from T q, U where U.ID=q.ID

@@ -1,0 +1,1 @@
+update T inner join U on T.ID=U.ID set T.A=1, U.A=2

@@ -1,0 +1,1 @@
+create view VX as select top 1 A from dbo.T with check option

@@ -1,0 +1,1 @@
+create view VX as select A & B as C from T
