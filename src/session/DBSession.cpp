@@ -23,6 +23,15 @@ QString MainDescription(const QList<TSqlError> &errors)
     return errors.first().Description;
 }
 
+/// A log that cannot be written must not hide what failed.
+void LogError(const QString &text)
+{
+    try {
+        SaveError(QLatin1String(ErrorFile), text);
+    } catch (const EFileError &) {
+    }
+}
+
 QString LineText(const QString &line) { return TextOf({line}); }
 
 } // namespace
@@ -66,6 +75,7 @@ TDBSession::~TDBSession()
 
 template <class Text, class Action> auto TDBSession::Guarded(TLogging logging, Text text, Action action)
 {
+    FConnection.ClearErrors(); // a failure before the connection is reached must not tell an old one
     try {
         return action();
     } catch (const Exception &) {
@@ -78,7 +88,7 @@ void TDBSession::Fail(TLogging logging, const QString &sql)
     SetScreenCursor(crDefault);
     const QList<TSqlError> &errors = FConnection.Errors();
     if (logging == TLogging::ErrorFile)
-        SaveError(QLatin1String(ErrorFile), MainDescription(errors) + QLatin1Char('\r') + sql);
+        LogError(MainDescription(errors) + QLatin1Char('\r') + sql);
     if (!errors.isEmpty())
         throw Exception(MainDescription(errors) + QLatin1Char('\r') + sql);
     throw Exception(QStringLiteral("脚本运行出错，请检查脚本是否正确") + QLatin1Char('\r') + sql);
@@ -118,6 +128,7 @@ void TDBSession::ConnectTo(const QString &connectionString)
     FConnected = false;
     FConnection.SetConnected(false);
     FConnection.SetConnectionString(connectionString);
+    FConnection.SetApplicationName(FAppName);
     try {
         FConnection.SetConnected(true);
     } catch (const Exception &) {
