@@ -42,9 +42,9 @@ TDBDFile::~TDBDFile() = default;
 void TDBDFile::SetActived(bool actived)
 {
     FConnection.SetConnected(false);
+    CloseAll(); // what was read goes with the connection
     FConnection.SetConnectionString(AccessConnectionString(FFileName, QStringLiteral("Admin"), QString()));
     if (!actived) {
-        CloseAll();
         FActived = false;
         return;
     }
@@ -71,6 +71,7 @@ void TDBDFile::OpenAll()
         FChanges.Open(FConnection);
     } catch (const Exception &error) {
         CloseAll();
+        FConnection.SetConnected(false);
         throw Exception(QStringLiteral("不是有效的数据库设计文件：%1（%2）").arg(FFileName, error.Message()));
     }
 }
@@ -128,7 +129,7 @@ QString TDBDFile::GetTableNames() const
 std::shared_ptr<TTablesObject> TDBDFile::GetTable(const QString &table)
 {
     const TTablesObject *found = FTables.Locate(&TTablesObject::TableCode, table);
-    if (!found)
+    if (!found && !table.isEmpty())
         found = FTables.Locate(&TTablesObject::TableClass, table);
     if (!found)
         throw Exception(QStringLiteral("数据库设计文件中没有定义表信息 ") + table);
@@ -178,7 +179,7 @@ std::shared_ptr<TQuerysObject> TDBDFile::GetQuery(const QString &query)
 {
     FLatestQuery.MainTable.clear();
     const TQuerysObject *found = FQuerys.Locate(&TQuerysObject::QueryCode, query);
-    if (!found)
+    if (!found && !query.isEmpty())
         found = FQuerys.Locate(&TQuerysObject::QueryClass, query);
     if (!found)
         throw Exception(QStringLiteral("数据库设计文件中没有定义查询信息 ") + query);

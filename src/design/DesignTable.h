@@ -45,8 +45,9 @@ public:
         Close();
         const TDataPacket packet = connection.Query(FLayout.Statement);
         Decode(packet);
-        std::stable_sort(FRows.begin(), FRows.end(),
-                         [this](const Row &left, const Row &right) { return StandsBefore(left, right); });
+        const auto before = [this](const Row &left, const Row &right) { return StandsBefore(left, right); };
+        if (!std::is_sorted(FRows.begin(), FRows.end(), before)) // as the statement asks, it mostly is
+            std::stable_sort(FRows.begin(), FRows.end(), before);
         FOpen = true;
     }
 
@@ -122,8 +123,10 @@ private:
     }
     void DecodeColumn(const TDataPacket &packet, int field, int Row::*member)
     {
+        const TPacketColumn &column = packet.Column(field);
+        const bool whole = column.Kind() == TColumnKind::Int32 || column.Kind() == TColumnKind::Int64;
         for (size_t i = 0; i < FRows.size(); ++i)
-            FRows[i].*member = packet.Value(field, qsizetype(i)).toInt();
+            FRows[i].*member = whole ? int(column.Int(qsizetype(i))) : packet.Value(field, qsizetype(i)).toInt();
     }
     /// A flag is true for an exact "Y" alone.
     void DecodeColumn(const TDataPacket &packet, int field, bool Row::*member)
