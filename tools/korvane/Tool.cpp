@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "Tool.h"
+
+#include "Commands.h"
+#include "ToolOptions.h"
+#include "ToolPrompts.h"
+
+#include <QFileDevice>
+
+#include <algorithm>
+
+namespace Korvane {
+
+namespace {
+
+struct TCommand
+{
+    QString Name;
+    QString Arguments; ///< as the help writes them
+    QString Summary;
+    QString Details;
+    QList<TOption> Options;
+    int (*Run)(TCommandLine &, TToolStreams &);
+};
+
+TOption Flag(const QString &name, const QString &help) { return {name, {}, help}; }
+
+TOption HelpOption() { return Flag(QStringLiteral("help"), QStringLiteral("显示本帮助")); }
+TOption YesOption() { return Flag(QStringLiteral("yes"), QStringLiteral("对提问回答“是”")); }
+TOption ProgressOption() { return Flag(QStringLiteral("progress"), QStringLiteral("不在终端上也显示进度")); }
+TOption BoolAsCharOption()
+{
+    return Flag(QStringLiteral("bool-as-char"), QStringLiteral("布尔栏位建成 char(1)，不用 bit"));
+}
+
+const QList<TCommand> &Commands()
+{
+    static const QList<TCommand> commands = {
+        {QStringLiteral("create"), QStringLiteral("DESIGN --database NAME"),
+         QStringLiteral("按设计文件创建数据库"),
+         QStringLiteral("数据库已经存在时先询问是否覆盖；拒绝时状态为 1。"),
+         DesignOptions() + SessionOptions() +
+             QList<TOption>{BoolAsCharOption(), YesOption(), ProgressOption()},
+         RunCreate},
+        {QStringLiteral("upgrade"), QStringLiteral("DESIGN --database NAME"),
+         QStringLiteral("把数据库升级到设计文件的版本"),
+         QStringLiteral("失败时列出已经执行的语句；版本号只在全部成功后才改。"),
+         DesignOptions() + SessionOptions(), RunUpgrade},
+        {QStringLiteral("script"), QStringLiteral("DESIGN"), QStringLiteral("输出创建全部表和索引的脚本"),
+         QStringLiteral("脚本为 UTF-8，行尾为 CR LF，语句之间以 go 行隔开。"),
+         DesignOptions() + DialectOptions() +
+             QList<TOption>{BoolAsCharOption(),
+                            Flag(QStringLiteral("comments"), QStringLiteral("在列后加注释")),
+                            Flag(QStringLiteral("properties"), QStringLiteral("注释中加属性名")),
+                            {QStringLiteral("output"), QStringLiteral("FILE"),
+                             QStringLiteral("写入文件，代替标准输出")}},
+         RunScript},
+        {QStringLiteral("check"), QStringLiteral("DESIGN --database NAME"),
+         QStringLiteral("查找数据库中的空值（NULL）"), QStringLiteral("找到空值时状态为 1。"),
+         DesignOptions() + SessionOptions() + QList<TOption>{ProgressOption()}, RunCheck},
+        {QStringLiteral("repair"), QStringLiteral("DESIGN --database NAME"),
+         QStringLiteral("填充数据库中的空值（NULL）"),
+         QStringLiteral("先列出空值并询问，再在一个事务中填充；拒绝时状态为 1。"),
+         DesignOptions() + SessionOptions() + QList<TOption>{YesOption(), ProgressOption()}, RunRepair},
+        {QStringLiteral("tables"), QStringLiteral("DESIGN"), QStringLiteral("列出设计文件中的表"), QString(),
+         DesignOptions(), RunTables},
+        {QStringLiteral("fields"), QStringLiteral("DESIGN NAME"),
+         QStringLiteral("列出一个表的栏位或一个查询的列"), QStringLiteral("NAME 为表或查询的代码或类名。"),
+         DesignOptions(), RunFields},
+        {QStringLiteral("sql"), QStringLiteral("--database NAME STATEMENT | --file FILE | -"),
+         QStringLiteral("执行 SQL 语句或以 GO 行隔开的脚本"),
+         QStringLiteral("查询的结果以表格输出。参数 - 表示从标准输入读取。脚本在第一个失败的语句处停止。"),
+         SessionOptions() +
+             QList<TOption>{
+                 {QStringLiteral("file"), QStringLiteral("FILE"), QStringLiteral("执行该文件中的脚本")},
+                 Flag(QStringLiteral("csv"), QStringLiteral("查询的结果以 CSV 输出"))},
+         RunSql},
+        {QStringLiteral("class"), QStringLiteral("DESIGN NAME | --all"),
+         QStringLiteral("输出表或查询的记录类"), QStringLiteral("NAME 为表或查询的代码或类名。"),
+         DesignOptions() + QList<TOption>{Flag(QStringLiteral("all"), QStringLiteral("全部表和查询"))},
+         RunClass},
+    };
+    return commands;
+}
+
+const TCommand &FindCommand(const QString &name)
+{
+    const QList<TCommand> &commands = Commands();
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const TCommand &command) { return command.Name == name; });
+    if (found == commands.end())
+        throw EUsageError(QStringLiteral("未知的命令 ") + name);
+    return *found;
+}
+
+QString Column(const QString &text, int width)
+{
+    return QStringLiteral("  ") + text.leftJustified(width) + QStringLiteral("  ");
+}
+
+QString ToolHelp()
+{
+    QString help = QStringLiteral("用法：korvane 命令 [选项] [参数]\n\n命令：\n");
+    for (const TCommand &command : Commands())
+        help += Column(command.Name, 8) + command.Summary + u'\n';
+    return help + QStringLiteral("\n选项：\n") + Column(QStringLiteral("--help"), 9) +
+           QStringLiteral("显示本帮助；放在命令后面则显示该命令的帮助\n") +
+           Column(QStringLiteral("--version"), 9) +
+           QStringLiteral(
+               "显示版本\n\n退出状态：0 完成；1 失败、被拒绝，或 check 找到了空值；2 用法不对。\n");
+}
+
+QString CommandHelp(const TCommand &command)
+{
+    QString help = QStringLiteral("用法：korvane %1 [选项] %2\n\n%3。")
+                       .arg(command.Name, command.Arguments, command.Summary) +
+                   command.Details + QStringLiteral("\n\n选项：\n");
+    for (const TOption &option : command.Options + QList<TOption>{HelpOption()})
+        help += Column(QStringLiteral("--%1 %2").arg(option.Name, option.Value), 20) + option.Help + u'\n';
+    return help;
+}
+
+int RunCommand(const TCommand &command, const QStringList &arguments, TToolStreams &streams)
+{
+    TCommandLine line(command.Options + QList<TOption>{HelpOption()}, arguments);
+    if (line.Has(QStringLiteral("help"))) {
+        streams.Out << CommandHelp(command);
+        return tsDone;
+    }
+    const auto answer =
+        line.Has(QStringLiteral("yes")) ? TToolPrompts::Answer::Yes : TToolPrompts::Answer::Ask;
+    const TInstalledPrompts prompts(streams, answer);
+    return command.Run(line, streams);
+}
+
+int Dispatch(const QStringList &arguments, TToolStreams &streams)
+{
+    if (arguments.isEmpty())
+        throw EUsageError(QStringLiteral("缺少命令"));
+    const QString first = arguments.first();
+    if (first == QLatin1String("--help") || first == QLatin1String("-h"))
+        streams.Out << ToolHelp();
+    else if (first == QLatin1String("--version"))
+        streams.Out << "korvane " KORVANE_VERSION "\n";
+    else
+        return RunCommand(FindCommand(first), arguments.mid(1), streams);
+    return tsDone;
+}
+
+/// Says which help to read: the command's when there is one of that name.
+QString HelpCall(const QStringList &arguments)
+{
+    const QString name = arguments.value(0);
+    const bool known = std::any_of(Commands().begin(), Commands().end(),
+                                   [&](const TCommand &command) { return command.Name == name; });
+    return known ? QStringLiteral("korvane %1 --help").arg(name) : QStringLiteral("korvane --help");
+}
+
+/// What was printed is out, or EFileError is raised: a full disk is no success.
+void FinishOutput(TToolStreams &streams)
+{
+    streams.Out.flush();
+    auto *file = qobject_cast<QFileDevice *>(streams.Out.device());
+    if (streams.Out.status() != QTextStream::Ok || (file && !file->flush()))
+        throw EFileError(QStringLiteral("无法写入标准输出"));
+}
+
+} // namespace
+
+int RunTool(const QStringList &arguments, TToolStreams &streams)
+{
+    int status = tsFailed;
+    try {
+        status = Dispatch(arguments, streams);
+        FinishOutput(streams);
+    } catch (const EUsageError &error) {
+        streams.Err << QStringLiteral("%1。用法见 %2\n").arg(error.Message(), HelpCall(arguments));
+        status = tsUsage;
+    } catch (const EAbort &) {
+        status = tsFailed; // given up without a word, as asked for
+    } catch (const Exception &error) {
+        streams.Out.flush();
+        PrintError(streams, error);
+        status = tsFailed;
+    } catch (const std::exception &error) {
+        PrintError(streams, Exception(QString::fromUtf8(error.what())));
+        status = tsFailed;
+    }
+    streams.Out.flush();
+    streams.Err.flush();
+    return status;
+}
+
+} // namespace Korvane
