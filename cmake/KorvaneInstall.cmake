@@ -6,6 +6,7 @@ get_property(libraries GLOBAL PROPERTY KORVANE_LIBRARIES)
 install(TARGETS ${libraries} EXPORT KorvaneTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS korvane_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # The folders keep their places below include/Korvane; the chief headers stand at its top.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Korvane
         FILES_MATCHING PATTERN "*.h")
