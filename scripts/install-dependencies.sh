@@ -4,11 +4,12 @@
 set -euo pipefail
 
 packages=(
-  g++ cmake ninja-build ccache pkg-config
+  g++ make cmake ninja-build ccache pkg-config
   qt6-base-dev          # Qt Core and Network; Qt SQL is the peer of the benchmarks
   libqt6sql6-sqlite     # the driver of that peer
   libsqlite3-dev        # the embedded engine
   sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
+  mdbtools              # its mdb-export: peer of the benchmarks
   mdbtools-dev          # libmdb, the reader of Jet files
   libicu-dev            # code page 936, simplified and traditional Chinese
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -43,6 +43,7 @@ bool TDBDFile::CreateAccessDB(TDBSession &session, bool boolAsChar, bool propert
     if (QFile::exists(session.DBName())) {
         if (ShowDialog(QStringLiteral("数据库已经存在，是否覆盖现有的数据库？"), 0) == IDNO)
             throw Exception(QStringLiteral("创建数据库失败"));
+        session.SetConnected(false); // or the session itself would be the one that uses it
         RemoveCatalog(AccessConnectionString(session.DBName(), {}, session.DBPassword()));
     }
     CreateCatalog(AccessConnectionString(session.DBName(), {}, session.DBPassword()));

@@ -1,23 +1,49 @@
 // SPDX-License-Identifier: MIT
-// The least that an outside project does with the installed library.
+// What the README shows, as an outside project does it with the installed library:
+//
+//     consumer DESIGN-FILE DATABASE-FILE
 #include <Korvane/DBDFile.h>
 #include <Korvane/DBSession.h>
 #include <Korvane/Korvane.h>
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
+
+namespace {
+
+int Run(const QString &designFile, const QString &databaseFile)
+{
+    Korvane::TDBDFile design;
+    design.SetFileName(designFile);
+    design.SetActived(true);
+
+    Korvane::TDBSession session;
+    session.SetDBType(Korvane::dbtAccess);
+    session.SetDBName(databaseFile);
+    design.CreateDB(session, false); // the whole schema, at the latest version
+
+    session.SetConnected(true);
+    Korvane::TDBDTable *unit = design.GetDBDTable("UNIT");
+    session.Execute("insert into UNIT(UNITCODE, UNITNAME) values('KG', '公斤')", nullptr);
+    const Korvane::TDataPacket rows = session.Open(
+        unit->GetSelectSQL(Korvane::dbtAccess, "UNITCODE", "KG", Korvane::ooEqualAnd, false));
+
+    std::printf("%s: %s\n", qUtf8Printable(Korvane::GetDBTypeName(session.DBType())),
+                qUtf8Printable(rows.Text(rows.IndexOf(u"UNITNAME"), 0)));
+    return rows.RowCount() == 1 ? 0 : 1;
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
     try {
-        Korvane::TDBDFile design;
-        design.SetFileName(QString::fromLocal8Bit(argc > 1 ? argv[1] : "orders.dbd"));
-        design.SetActived(true);
-        std::printf("%s", qUtf8Printable(design.GetTableNames()));
-        std::printf("%s\n", qUtf8Printable(design.GetDBDTable(QStringLiteral("UNIT"))->GetSelectSQL(false)));
-        return design.GetTables().isEmpty() ? 1 : 0;
+        QFile::remove(arguments.value(2));
+        return Run(arguments.value(1), arguments.value(2));
     } catch (const Korvane::Exception &error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;

@@ -15,8 +15,6 @@
 
 #include <sqlite3.h>
 
-#include <cctype>
-
 namespace Korvane {
 
 namespace {
@@ -71,24 +69,27 @@ private:
 /// The first words of a statement in lower case, parted by single blanks, comments left out.
 QByteArray LeadingWords(const QByteArray &sql, int count)
 {
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    std::string_view text(sql.constData(), size_t(sql.size()));
+    const auto skipPast = [&text](std::string_view end) {
+        const size_t found = text.find(end, 2);
+        text.remove_prefix(found == text.npos ? text.size() : found + end.size());
+    };
     QByteArray words;
-    for (qsizetype i = 0; i < sql.size() && count > 0;) {
-        const char c = sql[i];
-        if (sql.mid(i, 2) == "--") {
-            const qsizetype end = sql.indexOf('\n', i);
-            i = end < 0 ? sql.size() : end + 1;
-        } else if (sql.mid(i, 2) == "/*") {
-            const qsizetype end = sql.indexOf("*/", i + 2);
-            i = end < 0 ? sql.size() : end + 2;
-        } else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')) {
-            qsizetype end = i;
-            while (end < sql.size() && std::isalpha(static_cast<unsigned char>(sql[end])))
-                ++end;
-            words += (words.isEmpty() ? "" : " ") + sql.mid(i, end - i).toLower();
-            i = end;
+    while (!text.empty() && count > 0) {
+        if (text.starts_with("--")) {
+            skipPast("\n");
+        } else if (text.starts_with("/*")) {
+            skipPast("*/");
+        } else if (isLetter(text.front())) {
+            const auto end = std::find_if_not(text.begin(), text.end(), isLetter);
+            if (!words.isEmpty())
+                words += ' ';
+            words += QByteArray(text.data(), end - text.begin()).toLower();
+            text.remove_prefix(size_t(end - text.begin()));
             --count;
-        } else if (std::isspace(static_cast<unsigned char>(c))) {
-            ++i;
+        } else if (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r')) {
+            text.remove_prefix(1);
         } else {
             break;
         }
