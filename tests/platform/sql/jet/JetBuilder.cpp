@@ -1,18 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "JetBuilder.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace Korvane::Testing {
 
 namespace {
 
-// Pages: 0 head, 2 catalog, 3 usage maps, 4 catalog rows, 5 table, 6 map page, 8… data.
+// Pages: 0 head, 1 empty, 2 definition of the catalog, 3 usage maps; tables and their pages follow.
 constexpr quint32 CatalogPage = 2;
 constexpr quint32 MapsPage = 3;
-constexpr quint32 TablePage = 5;
-constexpr quint32 MapPage = 6;
+constexpr quint32 FirstFreePage = 4;
 constexpr quint32 LvalOwner = 0x4c41564c;
+
+constexpr int MapSize = 64; ///< bytes of a bitmap or of a list of map pages, without their heads
+
+/// A bit for each page from the first on; pages outside are passed over.
+QByteArray Bitmap(const QList<quint32> &pages, quint32 first, int size)
+{
+    QByteArray bits(size, 0);
+    const auto end = std::lower_bound(pages.begin(), pages.end(), first + quint32(size) * 8);
+    for (auto page = std::lower_bound(pages.begin(), pages.end(), first); page != end; ++page)
+        bits[(*page - first) / 8] = char(bits[(*page - first) / 8] | 1 << ((*page - first) % 8));
+    return bits;
+}
 
 } // namespace
 
@@ -34,49 +46,73 @@ QByteArray TJetBuilder::Utf16(const QString &text)
 
 QByteArray TJetBuilder::DoubleBytes(double value) { return Int(std::bit_cast<quint64>(value), 8); }
 
-TJetBuilder::TJetBuilder(const QByteArray &samplePage, bool isJet3, QList<TColumn> columns)
-    : FSamplePage(samplePage), FIsJet3(isJet3), FColumns(std::move(columns))
+TJetBuilder::TJetBuilder(const QByteArray &samplePage, bool isJet3)
+    : FSamplePage(samplePage), FIsJet3(isJet3), FPages(FirstFreePage)
 {
-    FDataPages.append({{}, {}, TablePage});
+    // LvProp is always empty, but mdb-export refuses a catalog without it.
+    TTable catalog;
+    catalog.Page = CatalogPage;
+    catalog.Columns = {{QStringLiteral("Id"), TJetType::LongInteger, 4, true},
+                       {QStringLiteral("Type"), TJetType::Integer, 2, true},
+                       {QStringLiteral("Flags"), TJetType::LongInteger, 4, true},
+                       {QStringLiteral("Name"), TJetType::Text, 100, false},
+                       {QStringLiteral("LvProp"), TJetType::Ole, 0, false}};
+    FTables.append(catalog);
 }
 
-void TJetBuilder::AddRow(const TCells &cells)
+void TJetBuilder::BeginTable(const QString &name, const QList<TColumn> &columns)
 {
-    AddRawRow(PackRow(FColumns, cells), 0);
-    ++FRowCount;
+    TTable table;
+    table.Columns = columns;
+    table.Page = quint32(FPages.size());
+    FPages.append(TPage());
+    FTables.append(table);
+    AddRow(FTables.first(), {Int(table.Page, 4), Int(1, 2), Int(0, 4), NameBytes(name), std::nullopt});
 }
 
-void TJetBuilder::AddRawRow(const QByteArray &row, int flags)
+quint32 TJetBuilder::AddPage(TTable &table, const TPage &page)
+{
+    const auto number = quint32(FPages.size());
+    FPages.append(page);
+    table.Pages.append(number);
+    return number;
+}
+
+void TJetBuilder::NextPage(TTable &table) { table.RowPage = AddPage(table, {table.Page, {}, {}}); }
+
+void TJetBuilder::AddRow(TTable &table, const TCells &cells)
+{
+    AddRawRow(table, PackRow(table.Columns, cells), 0);
+    ++table.RowCount;
+}
+
+void TJetBuilder::AddRawRow(TTable &table, const QByteArray &row, int flags)
 {
     int used = RowsOffset() + 2;
-    for (const QByteArray &other : FDataPages.last().Rows)
+    for (const QByteArray &other : std::as_const(FPages)[table.RowPage].Rows)
         used += int(other.size()) + 2;
-    if (used + row.size() + 2 > PageSize())
-        NextPage();
-    FDataPages.last().Rows.append(row);
-    FDataPages.last().Flags.append(flags);
+    if (table.RowPage == 0 || used + row.size() + 2 > PageSize())
+        NextPage(table);
+    TPage &page = FPages[table.RowPage];
+    page.Rows.append(row);
+    page.Flags.append(flags);
 }
-
-void TJetBuilder::NextPage() { FDataPages.append({{}, {}, TablePage}); }
 
 QByteArray TJetBuilder::ChainedValue(const QByteArray &value)
 {
     const int most = PageSize() - RowsOffset() - 8;
-    const quint32 first = FirstDataPage + quint32(FDataPages.size());
+    const auto first = quint32(FPages.size());
     for (qsizetype at = 0; at < value.size(); at += most) {
         const bool isLast = at + most >= value.size();
-        const quint32 next = isLast ? 0 : (FirstDataPage + quint32(FDataPages.size()) + 1) << 8;
-        FDataPages.append({{Int(next, 4) + value.mid(at, most)}, {0}, LvalOwner});
+        const quint32 next = isLast ? 0 : (quint32(FPages.size()) + 1) << 8;
+        AddPage(FTables.last(), {LvalOwner, {Int(next, 4) + value.mid(at, most)}, {0}});
     }
-    NextPage();
     return Int(quint64(value.size()), 4) + Int(quint64(first) << 8, 4) + Int(0, 4);
 }
 
 QByteArray TJetBuilder::PagedValue(const QByteArray &value)
 {
-    const quint32 page = FirstDataPage + quint32(FDataPages.size());
-    FDataPages.append({{value}, {0}, LvalOwner});
-    NextPage();
+    const quint32 page = AddPage(FTables.last(), {LvalOwner, {value}, {0}});
     return Int(quint64(value.size()) | 0x40000000, 4) + Int(quint64(page) << 8, 4) + Int(0, 4);
 }
 
@@ -124,13 +160,14 @@ QByteArray TJetBuilder::PackRow(const QList<TColumn> &columns, const TCells &cel
     return row + Int(quint64(count), width) + mask;
 }
 
-QByteArray TJetBuilder::Definition(const QList<TColumn> &columns, int rows, int mapRow) const
+QByteArray TJetBuilder::Definition(const TTable &table, int mapRow) const
 {
+    const QList<TColumn> &columns = table.Columns;
     int variable = 0;
     for (const TColumn &column : columns)
         variable += column.IsFixed ? 0 : 1;
     QByteArray page = QByteArray("\2\1\0\0\0\0\0\0", 8);
-    page += QByteArray(FIsJet3 ? 4 : 8, 0) + Int(quint64(rows), 4);
+    page += QByteArray(FIsJet3 ? 4 : 8, 0) + Int(quint64(table.RowCount), 4);
     page.append((FIsJet3 ? 21 : 41) - page.size(), 0);
     page += Int(quint64(columns.size()), 2) + Int(quint64(variable), 2) + Int(quint64(columns.size()), 2);
     page += Int(0, 8) + Int(MapsPage << 8 | quint32(mapRow), 4) + Int(MapsPage << 8 | quint32(mapRow), 4);
@@ -155,7 +192,7 @@ QByteArray TJetBuilder::Definition(const QList<TColumn> &columns, int rows, int 
         page += record;
     }
     for (const TColumn &column : columns) {
-        const QByteArray name = FIsJet3 ? column.Name.toLatin1() : Utf16(column.Name);
+        const QByteArray name = NameBytes(column.Name);
         page += Int(quint64(name.size()), FIsJet3 ? 1 : 2) + name;
     }
     return page.leftJustified(PageSize(), 0);
@@ -169,45 +206,56 @@ QByteArray TJetBuilder::DataPage(const TPage &page) const
     auto end = int(bytes.size());
     for (qsizetype i = 0; i < page.Rows.size(); ++i) {
         end -= int(page.Rows[i].size());
+        if (end < RowsOffset() + 2 + 2 * page.Rows.size())
+            qFatal("too many rows for one page of a Jet file");
         bytes.replace(end, page.Rows[i].size(), page.Rows[i]);
         bytes.replace(RowsOffset() + 2 + 2 * i, 2, Int(quint64(end | page.Flags[i]), 2));
     }
     return bytes;
 }
 
-QByteArray TJetBuilder::Bitmap(const QList<quint32> &pages, int size) const
+// A bitmap from the table's first page on while that reaches its last one, else a list of map
+// pages, which go to the end of the file.
+QByteArray TJetBuilder::UsageMap(const TTable &table, QByteArray &file) const
 {
-    QByteArray bits(size, 0);
-    for (const quint32 page : pages)
-        bits[page / 8] = char(bits[page / 8] | 1 << (page % 8));
-    return bits;
+    const quint32 first = table.Pages.value(0);
+    const quint32 last = table.Pages.isEmpty() ? 0 : table.Pages.last();
+    if (!table.UsesMapPages && last - first < MapSize * 8)
+        return Int(0, 1) + Int(first, 4) + Bitmap(table.Pages, first, MapSize);
+
+    const int mapBytes = PageSize() - 4;
+    QByteArray map(1, 1);
+    for (quint32 begin = 0; begin <= last; begin += quint32(mapBytes) * 8) {
+        const bool isEmpty = begin + quint32(mapBytes) * 8 <= first;
+        map += Int(isEmpty ? 0 : quint64(file.size() / PageSize()), 4);
+        if (!isEmpty)
+            file += QByteArray("\5\1\0\0", 4) + Bitmap(table.Pages, begin, mapBytes);
+    }
+    return map.leftJustified(1 + MapSize, 0);
+}
+
+void TJetBuilder::PutPage(QByteArray &file, quint32 number, const QByteArray &page) const
+{
+    if (page.size() != PageSize())
+        qFatal("page %u of a Jet file is too large", number);
+    file.replace(qsizetype(number) * PageSize(), page.size(), page);
 }
 
 QByteArray TJetBuilder::Build() const
 {
-    QList<quint32> pages;
-    for (qsizetype i = 0; i < FDataPages.size(); ++i)
-        pages.append(FirstDataPage + quint32(i));
-    const QByteArray tableMap =
-        FUsesMapPages ? QByteArray(1, 1) + Int(MapPage, 4) + Int(0, 4) : QByteArray(5, 0) + Bitmap(pages, 64);
-    const QByteArray catalogMap = QByteArray(5, 0) + Bitmap({4}, 8);
-
-    const QList<TColumn> catalog = {{QStringLiteral("Id"), TJetType::LongInteger, 4, true},
-                                    {QStringLiteral("Type"), TJetType::Integer, 2, true},
-                                    {QStringLiteral("Name"), TJetType::Text, 100, false}};
-    const QByteArray name = FIsJet3 ? QByteArray("T") : Utf16(QStringLiteral("T"));
-    const TPage catalogRows = {{PackRow(catalog, {Int(TablePage, 4), Int(1, 2), name})}, {0}, CatalogPage};
-
-    QByteArray file = FSamplePage.left(PageSize());
-    file += QByteArray(PageSize(), 0);
-    file += Definition(catalog, 1, 0);
-    file += DataPage({{catalogMap, tableMap}, {0, 0}, 0});
-    file += DataPage(catalogRows);
-    file += Definition(FColumns, FRowCount, 1);
-    file += QByteArray("\5\1\0\0", 4) + Bitmap(pages, PageSize() - 4);
-    file += QByteArray(PageSize(), 0);
-    for (const TPage &page : FDataPages)
+    QByteArray file;
+    file.reserve((FPages.size() + FTables.size()) * PageSize());
+    for (const TPage &page : FPages)
         file += DataPage(page);
+    PutPage(file, 0, FSamplePage.left(PageSize()));
+    PutPage(file, 1, QByteArray(PageSize(), 0));
+    TPage maps;
+    for (qsizetype i = 0; i < FTables.size(); ++i) {
+        maps.Rows.append(UsageMap(FTables[i], file));
+        maps.Flags.append(0);
+        PutPage(file, FTables[i].Page, Definition(FTables[i], int(i)));
+    }
+    PutPage(file, MapsPage, DataPage(maps));
     return file;
 }
 

@@ -10,8 +10,13 @@
 
 namespace Korvane::Testing {
 
-/// Builds a Jet file with one table "T" for tests, page by page, so that values and layouts
-/// that no sample file has can be read. Its first page is that of a sample file.
+/// Builds a Jet file table by table and page by page, so that values, layouts and sizes that
+/// no sample file has can be read. Its first page is that of a sample file.
+///
+///     TJetBuilder builder(samplePage, false);
+///     builder.BeginTable("T", {{"Id", TJetType::LongInteger, 4, true}});
+///     builder.AddRow({TJetBuilder::Int(1, 4)});
+///     QByteArray file = builder.Build();
 class TJetBuilder
 {
 public:
@@ -26,18 +31,24 @@ public:
     };
     using TCells = QList<std::optional<QByteArray>>; ///< a boolean is true when it has a value
 
-    TJetBuilder(const QByteArray &samplePage, bool isJet3, QList<TColumn> columns);
+    TJetBuilder(const QByteArray &samplePage, bool isJet3);
 
-    void AddRow(const TCells &cells);
+    /// All that follows goes to this table.
+    void BeginTable(const QString &name, const QList<TColumn> &columns);
+    void AddRow(const TCells &cells) { AddRow(FTables.last(), cells); }
     /// Flags go to the row's offset: 0x8000 deleted, 0x4000 moved.
-    void AddRawRow(const QByteArray &row, int flags);
-    QByteArray PackRow(const TCells &cells) const { return PackRow(FColumns, cells); }
+    void AddRawRow(const QByteArray &row, int flags) { AddRawRow(FTables.last(), row, flags); }
+    QByteArray PackRow(const TCells &cells) const { return PackRow(FTables.last().Columns, cells); }
     /// Ends the data page and begins a new one.
-    void NextPage();
-    /// Writes the table's usage map as a list of map pages.
-    void UseMapPages() { FUsesMapPages = true; }
-    /// The next data page gets this number: page and row for a row pointer.
-    quint32 NextDataPage() const { return FirstDataPage + quint32(FDataPages.size()) - 1; }
+    void NextPage() { NextPage(FTables.last()); }
+    /// Writes the table's usage map as a list of map pages, even where a bitmap is enough.
+    void UseMapPages() { FTables.last().UsesMapPages = true; }
+
+    /// The page of the table's definition.
+    quint32 TablePage() const { return FTables.last().Page; }
+    /// The page of the latest row, 0 before the first. NextPage makes the page behind the
+    /// last one of the file.
+    quint32 RowPage() const { return FTables.last().RowPage; }
 
     /// Stores a value in a chain of rows, each on a page of its own, and returns what stands
     /// in the column for it.
@@ -48,8 +59,6 @@ public:
 
     QByteArray Build() const;
 
-    static constexpr quint32 FirstDataPage = 8;
-
     static QByteArray Int(quint64 value, int bytes);
     static QByteArray Utf16(const QString &text);
     static QByteArray DoubleBytes(double value);
@@ -57,25 +66,37 @@ public:
 private:
     struct TPage
     {
+        quint32 Owner = 0;
         QList<QByteArray> Rows;
         QList<int> Flags;
-        quint32 Owner = 0;
+    };
+    struct TTable
+    {
+        QList<TColumn> Columns;
+        quint32 Page = 0;
+        QList<quint32> Pages; ///< of rows and long values
+        quint32 RowPage = 0;
+        int RowCount = 0;
+        bool UsesMapPages = false;
     };
 
     int PageSize() const { return FIsJet3 ? 2048 : 4096; }
     int RowsOffset() const { return FIsJet3 ? 8 : 12; }
+    QByteArray NameBytes(const QString &name) const { return FIsJet3 ? name.toLatin1() : Utf16(name); }
+    quint32 AddPage(TTable &table, const TPage &page);
+    void NextPage(TTable &table);
+    void AddRow(TTable &table, const TCells &cells);
+    void AddRawRow(TTable &table, const QByteArray &row, int flags);
     QByteArray PackRow(const QList<TColumn> &columns, const TCells &cells) const;
-    QByteArray Definition(const QList<TColumn> &columns, int rows, int mapRow) const;
+    QByteArray Definition(const TTable &table, int mapRow) const;
     QByteArray DataPage(const TPage &page) const;
-    QByteArray Bitmap(const QList<quint32> &pages, int size) const;
+    QByteArray UsageMap(const TTable &table, QByteArray &file) const;
+    void PutPage(QByteArray &file, quint32 number, const QByteArray &page) const;
 
     QByteArray FSamplePage;
     bool FIsJet3;
-    bool FUsesMapPages = false;
-    QList<TColumn> FColumns;
-    QList<TPage> FDataPages;
-    int FLongPages = 0; ///< among them
-    int FRowCount = 0;
+    QList<TPage> FPages;   ///< of the file; those that hold no rows are filled in by Build
+    QList<TTable> FTables; ///< the catalog is the first
 };
 
 } // namespace Korvane::Testing

@@ -116,12 +116,13 @@ TEST(JetDamage, SurvivesDamagedStructures)
     for (const bool isJet3 : {false, true}) {
         const QByteArray head =
             ReadBytes(Sample(isJet3 ? QStringLiteral("orders-jet3.dbd") : QStringLiteral("orders.dbd")));
-        TJetBuilder builder(head, isJet3,
-                            {{QStringLiteral("Id"), TJetType::LongInteger, 4, true},
-                             {QStringLiteral("Price"), TJetType::Decimal, 17, true, 12, 2},
-                             {QStringLiteral("Made"), TJetType::DateTime, 8, true},
-                             {QStringLiteral("Name"), TJetType::Text, 100, false},
-                             {QStringLiteral("Memo"), TJetType::Memo, 0, false}});
+        TJetBuilder builder(head, isJet3);
+        builder.BeginTable(QStringLiteral("T"),
+                           {{QStringLiteral("Id"), TJetType::LongInteger, 4, true},
+                            {QStringLiteral("Price"), TJetType::Decimal, 17, true, 12, 2},
+                            {QStringLiteral("Made"), TJetType::DateTime, 8, true},
+                            {QStringLiteral("Name"), TJetType::Text, 100, false},
+                            {QStringLiteral("Memo"), TJetType::Memo, 0, false}});
         for (int i = 0; i < 3; ++i) {
             builder.AddRow({TJetBuilder::Int(quint64(i), 4), QByteArray(17, 0),
                             TJetBuilder::DoubleBytes(45292), QByteArray(300, 'n'),
@@ -165,8 +166,9 @@ protected:
     }
     TJetBuilder Builder() const
     {
-        return TJetBuilder(ReadBytes(Sample(QStringLiteral("orders.dbd"))), false,
-                           {{QStringLiteral("Ole"), TJetType::Ole, 0, false}});
+        TJetBuilder builder(ReadBytes(Sample(QStringLiteral("orders.dbd"))), false);
+        builder.BeginTable(QStringLiteral("T"), {{QStringLiteral("Ole"), TJetType::Ole, 0, false}});
+        return builder;
     }
 
     static constexpr qsizetype PageSize = 4096;
@@ -175,8 +177,10 @@ protected:
 
 TEST_F(JetCircles, DefinitionThatGoesOnInItself)
 {
-    EXPECT_EQ(ErrorAfter(Builder(), 5 * PageSize + 4, TJetBuilder::Int(5, 4)),
-              QStringLiteral("数据库文件“”已损坏：表定义页 5 循环"));
+    const TJetBuilder builder = Builder();
+    const quint32 page = builder.TablePage();
+    EXPECT_EQ(ErrorAfter(builder, page * PageSize + 4, TJetBuilder::Int(page, 4)),
+              QStringLiteral("数据库文件“”已损坏：表定义页 %1 循环").arg(page));
 }
 
 TEST_F(JetCircles, ChainThatNeverEnds)
@@ -209,11 +213,11 @@ TEST_F(JetCircles, PageOfRowsThatIsWipedOut)
 {
     TJetBuilder builder = Builder();
     builder.AddRow({std::nullopt});
-    const qsizetype page = TJetBuilder::FirstDataPage * PageSize;
+    const qsizetype page = builder.RowPage() * PageSize;
     EXPECT_EQ(ErrorAfter(builder, page, QByteArray(PageSize, 0)),
               QStringLiteral("数据库文件“”已损坏：缺少记录"));
     EXPECT_EQ(ErrorAfter(builder, page + 4, TJetBuilder::Int(2, 4)),
-              QStringLiteral("数据库文件“”已损坏：第 8 页属于别的表"));
+              QStringLiteral("数据库文件“”已损坏：第 %1 页属于别的表").arg(builder.RowPage()));
 }
 
 } // namespace
