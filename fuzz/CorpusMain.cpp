@@ -17,7 +17,8 @@ int main(int argc, char **argv)
         if (!file.open(QIODevice::ReadOnly))
             return 1;
         const QByteArray bytes = file.readAll();
-        for (const qsizetype size : {bytes.size(), bytes.size() / 2, bytes.size() - 1, qsizetype(1), qsizetype(0)})
+        for (const qsizetype size :
+             {bytes.size(), bytes.size() / 2, bytes.size() - 1, qsizetype(1), qsizetype(0)})
             if (size >= 0 && size <= bytes.size())
                 LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.constData()), size_t(size));
         ++count;

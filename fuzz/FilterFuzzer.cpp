@@ -13,8 +13,10 @@ namespace {
 
 TDataPacket Rows()
 {
-    TDataPacketBuilder builder({{QStringLiteral("CODE"), ftString, 10}, {QStringLiteral("QTY"), ftInteger},
-                                {QStringLiteral("PRICE"), ftFloat}, {QStringLiteral("DAY"), ftDateTime}});
+    TDataPacketBuilder builder({{QStringLiteral("CODE"), ftString, 10},
+                                {QStringLiteral("QTY"), ftInteger},
+                                {QStringLiteral("PRICE"), ftFloat},
+                                {QStringLiteral("DAY"), ftDateTime}});
     for (int i = 0; i < 6; ++i) {
         if (i != 2)
             builder.AppendText(0, i % 2 ? "A1" : "北京 b*");

@@ -11,6 +11,7 @@ packages=(
   sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
   mdbtools              # its mdb-export: peer of the benchmarks
   mdbtools-dev          # libmdb, the reader of Jet files
+  zlib1g-dev            # checksums of packet files
   libicu-dev            # code page 936, simplified and traditional Chinese
   libgtest-dev libgmock-dev libbenchmark-dev
 )

@@ -470,10 +470,11 @@ TLikeSyntax LikeSyntaxFor(TCaseMode mode)
 
 TFilterConditionPtr MakeLike(TFilterValuePtr text, TFilterValuePtr pattern, TCaseMode mode)
 {
-    return MakePairTest(std::move(text), std::move(pattern),
-                        [=](const TFilterValues &texts, size_t i, const TFilterValues &patterns, size_t j) {
-                            return TLikePattern(patterns.Texts[j], LikeSyntaxFor(mode)).Matches(texts.Texts[i]);
-                        });
+    return MakePairTest(
+        std::move(text), std::move(pattern),
+        [=](const TFilterValues &texts, size_t i, const TFilterValues &patterns, size_t j) {
+            return TLikePattern(patterns.Texts[j], LikeSyntaxFor(mode)).Matches(texts.Texts[i]);
+        });
 }
 
 TFilterConditionPtr MakeLike(TFilterValuePtr text, const TLikePattern &pattern)

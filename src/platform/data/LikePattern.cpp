@@ -28,7 +28,8 @@ TLikePattern::TLikePattern(std::string_view text, const TLikeSyntax &syntax) : F
             FItems.push_back({AnyOne});
         } else if (syntax.Shell && c == U'#') {
             FItems.push_back({Digit});
-        } else if (const size_t end = c == U'[' && syntax.Negation != 0 ? ParseSet(pattern, i) : None; end != None) {
+        } else if (const size_t end = c == U'[' && syntax.Negation != 0 ? ParseSet(pattern, i) : None;
+                   end != None) {
             i = end;
         } else {
             FItems.push_back({Literal, Folded(c)});
