@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <array>
+
+namespace Bench {
+
+inline constexpr int LargeTables = 300;
+inline constexpr int FieldsPerTable = 40;
+
+/// The tables that a design store consists of.
+inline constexpr std::array DesignTables = {"Tables", "Querys",  "Commands", "Fields",
+                                            "Indexs", "Columns", "Changes"};
+
+QString LargeTableCode(int table);
+QString LargeFieldCode(int field);
+
+/// Makes a design store (SQLite) of 300 tables with 40 fields and two indexes each, with an
+/// index on (TableCode, FieldCode) so that a peer's lookup need not scan.
+void MakeLargeDesign(const QString &fileName);
+/// Writes the tables of that store as a Jet 4 file.
+void MakeLargeJetDesign(const QString &storeFile, const QString &jetFile);
+
+} // namespace Bench

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Measures the library beside its peers, in one process and one run.
+//
+//     korvane_bench --work FOLDER [--benchmark_filter=…]
+#include "DesignBenchmarks.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <cstring>
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QString folder = QStringLiteral(".");
+    QList<char *> rest = {argv[0]};
+    // Ours and peers are measured in turn, so that a change of the machine's speed meets both.
+    char interleaving[] = "--benchmark_enable_random_interleaving=true";
+    rest.append(interleaving);
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--work") == 0 && i + 1 < argc)
+            folder = QString::fromLocal8Bit(argv[++i]);
+        else
+            rest.append(argv[i]);
+    }
+    QDir().mkpath(folder);
+    const bool holds = Bench::RunComparisons(Bench::DesignComparisons(folder),
+                                             QDir(folder).filePath(QStringLiteral("table.tsv")),
+                                             int(rest.size()), rest.data());
+    return holds ? 0 : 1;
+}
