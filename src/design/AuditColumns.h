@@ -19,12 +19,12 @@ struct TAuditColumn
 inline const TAuditColumn AuditColumns[] = {
     {QStringLiteral("CREATOR"), QStringLiteral("varchar(10) null,"), QStringLiteral("--创建者"),
      QStringLiteral("创建者"), QStringLiteral("admin")},
-    {QStringLiteral("CREATEDATE"), QStringLiteral("char(14) null,"), QStringLiteral("--创建时间(YYYYMMDDHHMMSS)"),
-     QStringLiteral("创建时间"), QString()},
+    {QStringLiteral("CREATEDATE"), QStringLiteral("char(14) null,"),
+     QStringLiteral("--创建时间(YYYYMMDDHHMMSS)"), QStringLiteral("创建时间"), QString()},
     {QStringLiteral("MODIFIER"), QStringLiteral("varchar(10) null,"), QStringLiteral("--修改者"),
      QStringLiteral("修改者"), QStringLiteral("admin")},
-    {QStringLiteral("MODIFYDATE"), QStringLiteral("char(14) null,"), QStringLiteral("--修改时间(YYYYMMDDHHMMSS)"),
-     QStringLiteral("修改时间"), QString()},
+    {QStringLiteral("MODIFYDATE"), QStringLiteral("char(14) null,"),
+     QStringLiteral("--修改时间(YYYYMMDDHHMMSS)"), QStringLiteral("修改时间"), QString()},
     {QStringLiteral("CREATORGROUP"), QStringLiteral("varchar(10) null,"), QStringLiteral("--创建者组"),
      QStringLiteral("创建者组"), QStringLiteral("Admins")},
 };

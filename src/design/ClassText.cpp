@@ -12,11 +12,13 @@ QString RecordClassText(const QString &className, const TObjectList<TFieldsObjec
     for (const auto &field : fields) {
         const QString type = GetPropDataType(GetDataType(field->FieldType));
         privates.append(QStringLiteral("    F%1: %2;").arg(field->FieldProp, type));
-        properties.append(QStringLiteral("    property %1: %2 read F%1 write F%1;").arg(field->FieldProp, type));
+        properties.append(
+            QStringLiteral("    property %1: %2 read F%1 write F%1;").arg(field->FieldProp, type));
     }
-    return TextOf(QStringList{QStringLiteral("  %1 = class(TDBObject)").arg(className), QStringLiteral("  private")} +
-                  privates + QStringList{QStringLiteral("  published")} + properties +
-                  QStringList{QStringLiteral("  end;")});
+    return TextOf(
+        QStringList{QStringLiteral("  %1 = class(TDBObject)").arg(className), QStringLiteral("  private")} +
+        privates + QStringList{QStringLiteral("  published")} + properties +
+        QStringList{QStringLiteral("  end;")});
 }
 
 } // namespace Korvane

@@ -5,7 +5,9 @@
 
 namespace Korvane {
 
-TDBDChange::TDBDChange(QObject *owner) : TDBDObject(owner), FChangeObject(std::make_shared<TChangesObject>()) {}
+TDBDChange::TDBDChange(QObject *owner) : TDBDObject(owner), FChangeObject(std::make_shared<TChangesObject>())
+{
+}
 
 void TDBDChange::SetChangeNo(int number)
 {

@@ -5,7 +5,10 @@
 
 namespace Korvane {
 
-TDBDCommand::TDBDCommand(QObject *owner) : TDBDObject(owner), FCommandObject(std::make_shared<TCommandsObject>()) {}
+TDBDCommand::TDBDCommand(QObject *owner)
+    : TDBDObject(owner), FCommandObject(std::make_shared<TCommandsObject>())
+{
+}
 
 void TDBDCommand::SetCommand(const QString &command)
 {

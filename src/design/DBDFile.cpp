@@ -122,7 +122,8 @@ QString TDBDFile::GetTableNames() const
 {
     QString names;
     for (const TTablesObject &table : FTables.Rows())
-        names += AddSpaces(table.TableCode, 20, QStringLiteral(" "), false) + table.TableName + QStringLiteral("\r\n");
+        names += AddSpaces(table.TableCode, 20, QStringLiteral(" "), false) + table.TableName +
+                 QStringLiteral("\r\n");
     return names;
 }
 

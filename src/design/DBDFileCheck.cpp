@@ -73,8 +73,8 @@ QStringList TDBDFile::GetRepairSQL()
         if (field.TableCode != table) {
             table = field.TableCode;
             for (const TAuditColumn &column : AuditColumns)
-                statements.append(
-                    RepairStatement(field, column.Name, QuotedStr(column.Repair.isEmpty() ? now : column.Repair)));
+                statements.append(RepairStatement(field, column.Name,
+                                                  QuotedStr(column.Repair.isEmpty() ? now : column.Repair)));
         }
         const QString value = RepairValue(field);
         if (!field.IsAuto && !value.isEmpty())

@@ -76,8 +76,8 @@ bool TDBDFile::CreateMSSQLDB(TDBSession &session, bool boolAsChar, bool property
 
 void TDBDFile::CreateTables(TDBSession &session, bool boolAsChar, bool property)
 {
-    session.Execute(
-        QStringLiteral("create table Version(VerNo Integer not null,constraint PK_Version primary key(VerNo))"));
+    session.Execute(QStringLiteral(
+        "create table Version(VerNo Integer not null,constraint PK_Version primary key(VerNo))"));
     session.Execute(QStringLiteral("insert into Version(VerNo) Values(%1)").arg(GetMaxChangeNo()));
     const TObjectList<TTablesObject> tables = GetTables();
     for (qsizetype i = 0; i < tables.size(); ++i) {

@@ -56,7 +56,10 @@ std::shared_ptr<TFieldsObject> TDBDQuery::GetField(const QString &name)
     return FDBDTable.GetField(name);
 }
 
-std::unique_ptr<TFieldsObject> TDBDQuery::GetFieldCode(const QString &name) { return FDBDTable.GetField(name); }
+std::unique_ptr<TFieldsObject> TDBDQuery::GetFieldCode(const QString &name)
+{
+    return FDBDTable.GetField(name);
+}
 
 QString TDBDQuery::SetFieldProp(const QString &fields)
 {
@@ -139,7 +142,8 @@ QString TDBDQuery::GetWhereSQL(TDBType type, const QString &keys, const QVariant
     });
 }
 
-QString TDBDQuery::GetTableWhere(TDBType type, const QString &keys, const QVariant &values, TOpenOption option)
+QString TDBDQuery::GetTableWhere(TDBType type, const QString &keys, const QVariant &values,
+                                 TOpenOption option)
 {
     return WhereClause(type, keys, values, option, [this](const QString &name) {
         const auto field = GetFieldCode(name);
@@ -149,7 +153,8 @@ QString TDBDQuery::GetTableWhere(TDBType type, const QString &keys, const QVaria
 
 bool TDBDQuery::IsWritable(qsizetype column) const
 {
-    return FColumns[column]->Expression == FColumns[column]->TableField && FQueryFields[column]->TableCode == FTable;
+    return FColumns[column]->Expression == FColumns[column]->TableField &&
+           FQueryFields[column]->TableCode == FTable;
 }
 
 QString TDBDQuery::GetInsertSQL(const TDBObject &object)
@@ -168,7 +173,8 @@ QString TDBDQuery::GetInsertSQL(const TDBObject &object)
         codes += field.Remark; // the source field's code
         values += GetDBFieldValue(object, field.FieldProp, field.FieldType);
     }
-    return Format(QStringLiteral("insert into ") + FTable + QStringLiteral("(%s) values(%s)"), {codes, values});
+    return Format(QStringLiteral("insert into ") + FTable + QStringLiteral("(%s) values(%s)"),
+                  {codes, values});
 }
 
 QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object)
@@ -177,7 +183,8 @@ QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object)
     return GetUpdateSQL(type, object, FKeyFieldStr, object.KeyValues);
 }
 
-QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object, const QString &keys, const QVariant &values)
+QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object, const QString &keys,
+                                const QVariant &values)
 {
     CheckQuery();
     // NOTE: the conditions are part of the format, so that a "%" in a key value is a placeholder.
@@ -190,7 +197,8 @@ QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object, const QSt
         if (i > 0)
             assignments += QStringLiteral(", ");
         const TFieldsObject &field = *FQueryFields[i];
-        assignments += field.Remark + QLatin1Char('=') + GetDBFieldValue(object, field.FieldCode, field.FieldType);
+        assignments +=
+            field.Remark + QLatin1Char('=') + GetDBFieldValue(object, field.FieldCode, field.FieldType);
     }
     return Format(pattern, {assignments});
 }
@@ -201,7 +209,8 @@ QString TDBDQuery::GetDeleteSQL(TDBType type, const TDBObject &object)
     return FDBDTable.GetDeleteSQL(type, object);
 }
 
-QString TDBDQuery::GetDeleteSQL(TDBType type, const TDBObject &object, const QString &keys, const QVariant &values)
+QString TDBDQuery::GetDeleteSQL(TDBType type, const TDBObject &object, const QString &keys,
+                                const QVariant &values)
 {
     CheckQuery();
     return FDBDTable.GetDeleteSQL(type, object, keys, values);

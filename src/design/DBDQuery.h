@@ -55,8 +55,8 @@ public:
 
     QString GetSelectSQL(TDBType type, bool selection, bool audit);
     /// With no keys the statement ends in " where ", which no database takes.
-    QString GetSelectSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option, bool selection,
-                         bool audit);
+    QString GetSelectSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option,
+                         bool selection, bool audit);
     /// Conditions on the query's result columns.
     QString GetWhereSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option);
     /// Conditions on the main table's columns.

@@ -40,7 +40,8 @@ std::unique_ptr<TFieldsObject> TDBDTable::GetField(const QString &field)
 QString TDBDTable::GetSelectSQL(bool selection)
 {
     CheckTable();
-    return (selection ? QStringLiteral("select 'N' as FSELECTED, * from ") : QStringLiteral("select * from ")) +
+    return (selection ? QStringLiteral("select 'N' as FSELECTED, * from ")
+                      : QStringLiteral("select * from ")) +
            FTableObject->TableCode;
 }
 
@@ -68,7 +69,8 @@ QString TDBDTable::GetInsertSQL(const TDBObject &object)
         codes.append(field->FieldCode);
         values.append(GetDBFieldValue(object, *field));
     }
-    return Format(QStringLiteral("insert into ") + FTableObject->TableCode + QStringLiteral("(%s) values(%s)"),
+    return Format(QStringLiteral("insert into ") + FTableObject->TableCode +
+                      QStringLiteral("(%s) values(%s)"),
                   {codes.join(QStringLiteral(", ")), values.join(QStringLiteral(", "))});
 }
 
@@ -77,12 +79,13 @@ QString TDBDTable::GetUpdateSQL(TDBType type, const TDBObject &object)
     return GetUpdateSQL(type, object, FKeyFieldStr, object.KeyValues);
 }
 
-QString TDBDTable::GetUpdateSQL(TDBType type, const TDBObject &object, const QString &keys, const QVariant &values)
+QString TDBDTable::GetUpdateSQL(TDBType type, const TDBObject &object, const QString &keys,
+                                const QVariant &values)
 {
     CheckTable();
     // NOTE: the conditions are part of the format, so that a "%" in a key value is a placeholder.
-    const QString pattern = QStringLiteral("update ") + FTableObject->TableCode + QStringLiteral(" set %s where ") +
-                            GetWhereSQL(type, keys, values, ooEqualAnd);
+    const QString pattern = QStringLiteral("update ") + FTableObject->TableCode +
+                            QStringLiteral(" set %s where ") + GetWhereSQL(type, keys, values, ooEqualAnd);
     QStringList assignments;
     for (const auto &field : std::as_const(FTableFields))
         assignments.append(field->FieldCode + QLatin1Char('=') + GetDBFieldValue(object, *field));

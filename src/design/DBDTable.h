@@ -44,7 +44,8 @@ public:
 
     /// With selection the rows get a first column FSELECTED with the constant 'N'.
     QString GetSelectSQL(bool selection);
-    QString GetSelectSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option, bool selection);
+    QString GetSelectSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option,
+                         bool selection);
     /// Conditions without the word where; empty when there are no keys.
     QString GetWhereSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option);
     QString GetInsertSQL(const TDBObject &object);

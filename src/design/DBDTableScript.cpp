@@ -38,7 +38,8 @@ QString DefaultText(TFieldsObject &field, TDBType type, bool boolAsChar)
         return {};
     const bool bit = !boolAsChar && GetDataType(field.FieldType) == dtBoolean;
     if (bit)
-        field.FieldDefault = field.FieldDefault == QLatin1String("Y") ? QStringLiteral("1") : QStringLiteral("0");
+        field.FieldDefault =
+            field.FieldDefault == QLatin1String("Y") ? QStringLiteral("1") : QStringLiteral("0");
     const bool bare = type == dbtAccess || bit || field.FieldDefault == QLatin1String("''");
     return QStringLiteral(" default ") + (bare ? field.FieldDefault : QuotedStr(field.FieldDefault));
 }
@@ -54,8 +55,8 @@ QString ColumnText(TFieldsObject &field, TDBType type, bool boolAsChar)
 
 QString CommentText(const TFieldsObject &field, bool property)
 {
-    return QStringLiteral("--") + (property ? QLatin1Char('[') + field.FieldProp + QLatin1Char(']') : QString()) +
-           field.FieldName +
+    return QStringLiteral("--") +
+           (property ? QLatin1Char('[') + field.FieldProp + QLatin1Char(']') : QString()) + field.FieldName +
            (field.Remark.isEmpty() ? QString() : QLatin1Char('(') + field.Remark + QLatin1Char(')'));
 }
 
@@ -124,7 +125,8 @@ QString TDBDTable::GetAccessIndexScript(const TIndexsObject &index) const
     fields.replace(QLatin1Char(';'), QLatin1Char(','));
     return QStringLiteral("create") + (index.IsUnique ? QStringLiteral(" unique") : QString()) +
            (index.IsCluster ? QStringLiteral(" clustered") : QString()) + QStringLiteral(" index ") +
-           index.IndexCode + QStringLiteral(" on ") + index.TableCode + QLatin1Char('(') + fields + QLatin1Char(')');
+           index.IndexCode + QStringLiteral(" on ") + index.TableCode + QLatin1Char('(') + fields +
+           QLatin1Char(')');
 }
 
 QString TDBDTable::GetMSSQLIndexScript(const TIndexsObject &index) const

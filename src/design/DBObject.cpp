@@ -17,7 +17,8 @@ bool IsColumn(const TPropInfo &property)
 /// The properties of the object's own class; the base itself is not registered and has none.
 const TPropList &PropertiesOf(const TDBObject &object)
 {
-    return typeid(object) == typeid(TDBObject) ? GetPropList(TDBObject::staticMetaObject) : GetPropList(object);
+    return typeid(object) == typeid(TDBObject) ? GetPropList(TDBObject::staticMetaObject)
+                                               : GetPropList(object);
 }
 
 } // namespace

@@ -75,7 +75,8 @@ public:
     }
 
     /// The first row in which both columns equal their values; null if there is none.
-    const Row *Locate(QString Row::*first, const QString &firstValue, QString Row::*second, const QString &secondValue)
+    const Row *Locate(QString Row::*first, const QString &firstValue, QString Row::*second,
+                      const QString &secondValue)
     {
         const TPairIndex &index = PairsOf(first, second);
         const auto found = index.Rows.constFind({firstValue, secondValue});
@@ -126,7 +127,8 @@ private:
         const TPacketColumn &column = packet.Column(field);
         const bool whole = column.Kind() == TColumnKind::Int32 || column.Kind() == TColumnKind::Int64;
         for (size_t i = 0; i < FRows.size(); ++i)
-            FRows[i].*member = whole ? int(column.Int(qsizetype(i))) : packet.Value(field, qsizetype(i)).toInt();
+            FRows[i].*member =
+                whole ? int(column.Int(qsizetype(i))) : packet.Value(field, qsizetype(i)).toInt();
     }
     /// A flag is true for an exact "Y" alone.
     void DecodeColumn(const TDataPacket &packet, int field, bool Row::*member)
@@ -138,7 +140,8 @@ private:
     bool StandsBefore(const Row &left, const Row &right) const
     {
         for (const auto &key : FLayout.Order) {
-            const int order = std::visit([&](auto member) { return Compare(left.*member, right.*member); }, key);
+            const int order =
+                std::visit([&](auto member) { return Compare(left.*member, right.*member); }, key);
             if (order != 0)
                 return order < 0;
         }

@@ -29,7 +29,8 @@ QString WhereClause(TDBType type, const QString &keys, const QVariant &values, T
                     const std::function<TConditionColumn(const QString &)> &resolve)
 {
     const bool like = option == ooLikeAnd || option == ooLikeOr;
-    const QString joiner = option == ooEqualAnd || option == ooLikeAnd ? QStringLiteral(" and ") : QStringLiteral(" or ");
+    const QString joiner =
+        option == ooEqualAnd || option == ooLikeAnd ? QStringLiteral(" and ") : QStringLiteral(" or ");
     const QString comparison = like ? QStringLiteral(" like ") : QStringLiteral("=");
     const QVariant wildcard = type == dbtMSSQL ? QStringLiteral("%") : QStringLiteral("*");
     const QStringList names = SplitFieldNames(keys);

@@ -38,20 +38,22 @@ QString LineText(const QString &line) { return TextOf({line}); }
 
 QString AccessConnectionString(const QString &fileName, const QString &user, const QString &password)
 {
-    return Format(QStringLiteral(
-                      "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=%s;User ID=%s;Jet OLEDB:Database Password=%s"),
-                  {TConnectionString::Quoted(fileName), TConnectionString::Quoted(user),
-                   TConnectionString::Quoted(password)});
+    return Format(
+        QStringLiteral(
+            "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=%s;User ID=%s;Jet OLEDB:Database Password=%s"),
+        {TConnectionString::Quoted(fileName), TConnectionString::Quoted(user),
+         TConnectionString::Quoted(password)});
 }
 
 QString MSSQLConnectionString(const QString &server, const QString &database, const QString &user,
                               const QString &password, const QString &applicationName)
 {
-    return Format(QStringLiteral("Provider=SQLOLEDB.1;Data Source=%s;Initial Catalog=%s;User ID=%s;Password=%s;"
-                                 "Application Name=%s"),
-                  {TConnectionString::Quoted(server), TConnectionString::Quoted(database),
-                   TConnectionString::Quoted(user), TConnectionString::Quoted(password),
-                   TConnectionString::Quoted(applicationName)});
+    return Format(
+        QStringLiteral("Provider=SQLOLEDB.1;Data Source=%s;Initial Catalog=%s;User ID=%s;Password=%s;"
+                       "Application Name=%s"),
+        {TConnectionString::Quoted(server), TConnectionString::Quoted(database),
+         TConnectionString::Quoted(user), TConnectionString::Quoted(password),
+         TConnectionString::Quoted(applicationName)});
 }
 
 TDBSession::TDBSession(QObject *owner) : TComponent(owner)
@@ -185,22 +187,26 @@ QVariant TDBSession::FirstValue() const { return FQuery.Fields(0).AsVariant(); }
 
 bool TDBSession::Execute(const QString &statement, const TBlobStreams *streams)
 {
-    Guarded(TLogging::ErrorFile, [&] { return statement; }, [&] {
-        FCommand.SetCommandText(statement);
-        if (streams && FCommand.ParameterCount() > 0)
-            for (qsizetype i = 0; i < streams->Count(); ++i)
-                FCommand.LoadParameter(i, streams->Bytes(i), ftBlob);
-        FCommand.Execute();
-    });
+    Guarded(
+        TLogging::ErrorFile, [&] { return statement; },
+        [&] {
+            FCommand.SetCommandText(statement);
+            if (streams && FCommand.ParameterCount() > 0)
+                for (qsizetype i = 0; i < streams->Count(); ++i)
+                    FCommand.LoadParameter(i, streams->Bytes(i), ftBlob);
+            FCommand.Execute();
+        });
     return true;
 }
 
 int TDBSession::Execute(const QString &statement)
 {
-    return Guarded(TLogging::ErrorFile, [&] { return statement; }, [&] {
-        FCommand.SetCommandText(statement);
-        return int(FCommand.Execute());
-    });
+    return Guarded(
+        TLogging::ErrorFile, [&] { return statement; },
+        [&] {
+            FCommand.SetCommandText(statement);
+            return int(FCommand.Execute());
+        });
 }
 
 bool TDBSession::Execute(const QStringList &script)
@@ -215,7 +221,8 @@ bool TDBSession::Execute(const QStringList &script)
         if ((!separator && i + 1 < script.size()) || batch.isEmpty())
             continue;
         FQuery.SetSQL(batch);
-        Guarded(TLogging::None, [&] { return TextOf(FQuery.SQL()); }, [&] { FQuery.ExecSQL(); });
+        Guarded(
+            TLogging::None, [&] { return TextOf(FQuery.SQL()); }, [&] { FQuery.ExecSQL(); });
         FQuery.Close();
         batch.clear();
     }
@@ -232,7 +239,8 @@ bool TDBSession::ExecuteSQL()
             continue;
         FQuery.Close();
         FQuery.SetSQL({line});
-        Guarded(TLogging::None, [&] { return LineText(line); }, [&] { FQuery.ExecSQL(); });
+        Guarded(
+            TLogging::None, [&] { return LineText(line); }, [&] { FQuery.ExecSQL(); });
     }
     return true;
 }
@@ -240,7 +248,8 @@ bool TDBSession::ExecuteSQL()
 TDataPacket TDBSession::Open(const QString &statement)
 {
     // A packet carries no read-only marks, so that none have to be taken off its fields.
-    Guarded(TLogging::ErrorFile, [&] { return statement; }, [&] { OpenQuery(statement); });
+    Guarded(
+        TLogging::ErrorFile, [&] { return statement; }, [&] { OpenQuery(statement); });
     return FProvider.Data();
 }
 
@@ -269,27 +278,33 @@ bool TDBSession::TableExistsMSSQL(const QString &table)
 
 bool TDBSession::IsEmpty(const QString &statement)
 {
-    return Guarded(TLogging::ErrorFile, [&] { return statement; }, [&] {
-        OpenQuery(statement);
-        return FQuery.IsEmpty();
-    });
+    return Guarded(
+        TLogging::ErrorFile, [&] { return statement; },
+        [&] {
+            OpenQuery(statement);
+            return FQuery.IsEmpty();
+        });
 }
 
 int TDBSession::GetVersion()
 {
-    return Guarded(TLogging::None, [&] { return TextOf(FQuery.SQL()); }, [&] {
-        OpenQuery(QStringLiteral("select max(VerNo) from Version"));
-        return VarToInt(FirstValue());
-    });
+    return Guarded(
+        TLogging::None, [&] { return TextOf(FQuery.SQL()); },
+        [&] {
+            OpenQuery(QStringLiteral("select max(VerNo) from Version"));
+            return VarToInt(FirstValue());
+        });
 }
 
 void TDBSession::SetVersion(int version)
 {
-    Guarded(TLogging::None, [&] { return TextOf(FQuery.SQL()); }, [&] {
-        FQuery.Close();
-        FQuery.SetSQL({QStringLiteral("update Version set VerNo=") + QString::number(version)});
-        FQuery.ExecSQL();
-    });
+    Guarded(
+        TLogging::None, [&] { return TextOf(FQuery.SQL()); },
+        [&] {
+            FQuery.Close();
+            FQuery.SetSQL({QStringLiteral("update Version set VerNo=") + QString::number(version)});
+            FQuery.ExecSQL();
+        });
 }
 
 TDateTime TDBSession::GetDateTime()
@@ -298,15 +313,19 @@ TDateTime TDBSession::GetDateTime()
     return VarToDateTime(FirstValue());
 }
 
-QString TDBSession::GetDateTimeStr() { return FormatDateTime(QStringLiteral("yyyymmddhhmmss"), GetDateTime()); }
+QString TDBSession::GetDateTimeStr()
+{
+    return FormatDateTime(QStringLiteral("yyyymmddhhmmss"), GetDateTime());
+}
 QString TDBSession::GetDateStr() { return FormatDateTime(QStringLiteral("yyyymmdd"), GetDateTime()); }
 QString TDBSession::GetTimeStr() { return FormatDateTime(QStringLiteral("hhmmss"), GetDateTime()); }
 
 int TDBSession::GetOnlineUsers(const QString &applicationName)
 {
     if (FDBType == dbtMSSQL) {
-        OpenQuery(QStringLiteral("select count(*) as UserCount from master..sysprocesses where program_name=") +
-                         QuotedStr(applicationName));
+        OpenQuery(
+            QStringLiteral("select count(*) as UserCount from master..sysprocesses where program_name=") +
+            QuotedStr(applicationName));
         return VarToInt(FirstValue());
     }
     FSchema.Close();
@@ -319,7 +338,7 @@ TDateTime TDBSession::GetDBDate()
 {
     if (FDBType == dbtMSSQL) {
         OpenQuery(QStringLiteral("select crdate as UseDate from master..sysdatabases where name = ") +
-                         QuotedStr(FDBName));
+                  QuotedStr(FDBName));
         return VarToDateTime(FirstValue());
     }
     FSchema.Close();

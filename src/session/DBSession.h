@@ -111,7 +111,8 @@ public:
     int GetOnlineUsers(const QString &applicationName);
     /// When the database was made.
     TDateTime GetDBDate();
-    void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId, TADODataSet &target);
+    void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,
+                    TADODataSet &target);
 
     /// Sees each statement before it runs.
     TEvent<const QString &> &OnExecute() { return FConnection.OnExecute; }

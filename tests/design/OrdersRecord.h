@@ -107,9 +107,9 @@ public:
     int CateLevel = 0, Digits = 0, LeadDays = 0, LogNo = 0, NumberDigit = 0, PrintCount = 0, SortNo = 0,
         YearDigit = 0;
     double Amount = 0, CostPrice = 0, CreditLimit = 0, CurrRate = 0, Discount = 0, NewAmount = 0,
-        OldAmount = 0, Price = 0, Qty = 0, SafeQty = 0, TotalQty = 0, Weight = 0;
+           OldAmount = 0, Price = 0, Qty = 0, SafeQty = 0, TotalQty = 0, Weight = 0;
     bool AutoCheck = false, IsBase = false, IsChecked = false, IsClosed = false, IsStopped = false,
-        IsSuper = false;
+         IsSuper = false;
 };
 
 } // namespace Korvane::Testing

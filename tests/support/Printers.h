@@ -19,5 +19,6 @@ inline void PrintTo(const QByteArray &bytes, std::ostream *out) { *out << '"' <<
 
 inline void PrintTo(const QVariant &value, std::ostream *out)
 {
-    *out << (value.metaType().name() ? value.metaType().name() : "invalid") << ": " << value.toString().toStdString();
+    *out << (value.metaType().name() ? value.metaType().name() : "invalid") << ": "
+         << value.toString().toStdString();
 }

@@ -4,7 +4,7 @@
 namespace Korvane {
 class TDBDFile;
 class TDBSession;
-}
+} // namespace Korvane
 
 /// The schema change at which the older database stands.
 inline constexpr int OlderVersion = 3;

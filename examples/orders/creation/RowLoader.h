@@ -6,7 +6,7 @@
 namespace Korvane {
 class TDBDFile;
 class TDBSession;
-}
+} // namespace Korvane
 
 /// Loads the CSV file of each table of the design that there is one for in a folder, within
 /// one transaction. Pictures are files that the CSV names. Returns how many rows were loaded.

@@ -64,7 +64,10 @@ void PrintNulls(TDBDFile &design, TDBSession &session)
         columns += found > 0;
         rows += found;
     }
-    Say(QStringLiteral("  检查语句 %1 条：%2 个字段有空值，共 %3 处").arg(statements.size()).arg(columns).arg(rows));
+    Say(QStringLiteral("  检查语句 %1 条：%2 个字段有空值，共 %3 处")
+            .arg(statements.size())
+            .arg(columns)
+            .arg(rows));
 }
 
 void CreateAndLoad(TDBDFile &design, TDBType type, const QString &source, const QString &target)
@@ -77,8 +80,10 @@ void CreateAndLoad(TDBDFile &design, TDBType type, const QString &source, const 
     session.SetConnected(true);
     Say(QStringLiteral("  已创建，版本 %1，%2 毫秒").arg(session.GetVersion()).arg(clock.restart()));
     const int rows = LoadRows(design, session, QDir(source).filePath(QStringLiteral("seed")));
-    Say(QStringLiteral("  已载入 %1 行，%2 毫秒；在线用户 %3").arg(rows).arg(clock.elapsed()).arg(
-        session.GetOnlineUsers(session.AppName())));
+    Say(QStringLiteral("  已载入 %1 行，%2 毫秒；在线用户 %3")
+            .arg(rows)
+            .arg(clock.elapsed())
+            .arg(session.GetOnlineUsers(session.AppName())));
     PrintRowCounts(design, session);
     PrintNulls(design, session);
 }
@@ -97,7 +102,8 @@ void UpgradeOlder(TDBDFile &design, TDBType type, const QString &target)
     design.UpgradeDB(session);
     session.OnExecute() = nullptr;
     session.SetConnected(true);
-    const TDataPacket order = session.Open(QStringLiteral("select BILLCODE, CURRCODE, RATE, PRINTCOUNT from ORDERHEAD"));
+    const TDataPacket order =
+        session.Open(QStringLiteral("select BILLCODE, CURRCODE, RATE, PRINTCOUNT from ORDERHEAD"));
     Say(QStringLiteral("  升级后版本 %1；旧订单 %2：币别 %3，汇率 %4，打印次数 %5")
             .arg(QString::number(session.GetVersion()), order.Text(0, 0), order.Text(1, 0), order.Text(2, 0),
                  order.Text(3, 0)));

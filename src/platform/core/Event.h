@@ -18,12 +18,10 @@ public:
     TEvent() = default;
     TEvent(std::nullptr_t) {}
     template <class Handler>
-        requires std::is_invocable_v<Handler &, Args...>
-    TEvent(Handler handler) : FHandler(std::move(handler))
-    {
-    }
+    requires std::is_invocable_v<Handler &, Args...> TEvent(Handler handler) : FHandler(std::move(handler)) {}
     /// A method of an object; the object must outlive the assignment.
-    template <class Object> TEvent(Object *object, void (Object::*method)(Args...))
+    template <class Object>
+    TEvent(Object *object, void (Object::*method)(Args...))
         : FHandler([object, method](Args... args) { (object->*method)(std::forward<Args>(args)...); })
     {
     }

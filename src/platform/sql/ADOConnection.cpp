@@ -84,7 +84,8 @@ TDataPacket TADOConnection::Query(const QString &statement, std::span<const TSql
 void TADOConnection::OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,
                                 TADODataSet &target)
 {
-    target.Open(Guarded([&] { return Driver().OpenSchema(schema, restrictions.toList(), schemaId.toString()); }));
+    target.Open(
+        Guarded([&] { return Driver().OpenSchema(schema, restrictions.toList(), schemaId.toString()); }));
 }
 
 void CreateCatalog(const QString &connectionString)

@@ -74,7 +74,8 @@ public:
     qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters = {});
     TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters = {});
     /// Fills the target with a schema rowset and opens it. restrictions is a list or invalid.
-    void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId, TADODataSet &target);
+    void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,
+                    TADODataSet &target);
 
     /// The driver in use. Raises EDatabaseError when not connected.
     SqlDriver &Driver() const;

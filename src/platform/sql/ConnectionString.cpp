@@ -61,8 +61,9 @@ QString TConnectionString::Value(QStringView name) const
 
 bool TConnectionString::Contains(QStringView name) const
 {
-    return std::any_of(FParts.begin(), FParts.end(),
-                       [name](const auto &part) { return name.compare(part.first, Qt::CaseInsensitive) == 0; });
+    return std::any_of(FParts.begin(), FParts.end(), [name](const auto &part) {
+        return name.compare(part.first, Qt::CaseInsensitive) == 0;
+    });
 }
 
 void TConnectionString::SetValue(const QString &name, const QString &value)

@@ -17,7 +17,9 @@ QList<TDriverEntry> BuiltInDrivers()
         {QStringLiteral("sqlite"), jetProvider, [](const TConnectionString &) { return true; },
          [] { return std::make_unique<TSqliteDriver>(TSqlDialect::Access); }},
         {QStringLiteral("sqlite"), serverProvider,
-         [](const TConnectionString &connection) { return TFolderServer::IsAddress(connection.DataSource()); },
+         [](const TConnectionString &connection) {
+             return TFolderServer::IsAddress(connection.DataSource());
+         },
          [] { return std::make_unique<TSqliteDriver>(TSqlDialect::MSSQL); }},
         {QStringLiteral("jet"), jetProvider,
          [](const TConnectionString &connection) { return TJetDriver::IsJetFile(connection.DataSource()); },
@@ -44,11 +46,13 @@ std::unique_ptr<SqlDriver> CreateDriver(const TConnectionString &connection)
 {
     const QList<TDriverEntry> &drivers = Drivers();
     for (auto entry = drivers.crbegin(); entry != drivers.crend(); ++entry)
-        if (entry->Provider.compare(connection.Provider(), Qt::CaseInsensitive) == 0 && entry->Serves(connection))
+        if (entry->Provider.compare(connection.Provider(), Qt::CaseInsensitive) == 0 &&
+            entry->Serves(connection))
             return entry->Create();
     throw ESqlError(connection.Provider().isEmpty()
                         ? QStringLiteral("连接字符串没有指定数据提供者")
-                        : QStringLiteral("没有可用的数据库驱动程序：%1，%2").arg(connection.Provider(), connection.DataSource()));
+                        : QStringLiteral("没有可用的数据库驱动程序：%1，%2")
+                              .arg(connection.Provider(), connection.DataSource()));
 }
 
 } // namespace Korvane

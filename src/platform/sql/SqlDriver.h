@@ -26,7 +26,14 @@ struct TSqlParameter
 enum TSchemaInfo { siTables, siColumns, siIndexes, siProviderSpecific };
 
 /// What a program may ask of an engine before it relies on it.
-enum class TSqlFeature { Transactions, BlobParameters, SchemaChanges, ReadOnly, CopyDatabase, CreateDatabase };
+enum class TSqlFeature {
+    Transactions,
+    BlobParameters,
+    SchemaChanges,
+    ReadOnly,
+    CopyDatabase,
+    CreateDatabase
+};
 
 /// How a connection uses its database.
 enum TConnectMode { cmUnknown, cmRead, cmWrite, cmReadWrite };

@@ -48,9 +48,10 @@ QList<TSqlParameter> ParametersOf(const QString &statement)
             while (end < statement.size() && IsNameCharacter(statement[end]))
                 ++end;
             const QString name = statement.mid(i + 1, end - i - 1);
-            const bool known = std::any_of(parameters.begin(), parameters.end(), [&](const TSqlParameter &parameter) {
-                return parameter.Name.compare(name, Qt::CaseInsensitive) == 0;
-            });
+            const bool known =
+                std::any_of(parameters.begin(), parameters.end(), [&](const TSqlParameter &parameter) {
+                    return parameter.Name.compare(name, Qt::CaseInsensitive) == 0;
+                });
             if (!known)
                 parameters.append({name, {}});
             i = end;

@@ -27,8 +27,8 @@ int Run(const QString &designFile, const QString &databaseFile)
     session.SetConnected(true);
     Korvane::TDBDTable *unit = design.GetDBDTable("UNIT");
     session.Execute("insert into UNIT(UNITCODE, UNITNAME) values('KG', '公斤')", nullptr);
-    const Korvane::TDataPacket rows = session.Open(
-        unit->GetSelectSQL(Korvane::dbtAccess, "UNITCODE", "KG", Korvane::ooEqualAnd, false));
+    const Korvane::TDataPacket rows =
+        session.Open(unit->GetSelectSQL(Korvane::dbtAccess, "UNITCODE", "KG", Korvane::ooEqualAnd, false));
 
     std::printf("%s: %s\n", qUtf8Printable(Korvane::GetDBTypeName(session.DBType())),
                 qUtf8Printable(rows.Text(rows.IndexOf(u"UNITNAME"), 0)));

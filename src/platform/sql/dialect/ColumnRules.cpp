@@ -139,8 +139,8 @@ void TTableRules::DropStorage()
             C.DropGroup();
         } else if (C.Is("with"_L1) && C.IsOperator("="_L1, 2)) {
             C.Drop(4);
-        } else if ((C.Is("on"_L1) && C.Token(1).IsQuotedName()) ||
-                   (C.Is("on"_L1) && C.Is("primary"_L1, 1)) || C.Is("textimage_on"_L1)) {
+        } else if ((C.Is("on"_L1) && C.Token(1).IsQuotedName()) || (C.Is("on"_L1) && C.Is("primary"_L1, 1)) ||
+                   C.Is("textimage_on"_L1)) {
             C.Drop(2);
         } else {
             return;

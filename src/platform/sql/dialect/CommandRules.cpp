@@ -227,9 +227,14 @@ void TCommandRules::EndTransaction(QLatin1StringView engine)
 void TCommandRules::Set()
 {
     C.Advance();
-    static constexpr std::initializer_list<QLatin1StringView> Settings = {
-        "nocount"_L1,       "ansi_nulls"_L1, "ansi_padding"_L1,           "ansi_warnings"_L1,
-        "quoted_identifier"_L1, "arithabort"_L1, "concat_null_yields_null"_L1, "xact_abort"_L1};
+    static constexpr std::initializer_list<QLatin1StringView> Settings = {"nocount"_L1,
+                                                                          "ansi_nulls"_L1,
+                                                                          "ansi_padding"_L1,
+                                                                          "ansi_warnings"_L1,
+                                                                          "quoted_identifier"_L1,
+                                                                          "arithabort"_L1,
+                                                                          "concat_null_yields_null"_L1,
+                                                                          "xact_abort"_L1};
     if (C.IsAnyOf(Settings) && !C.IsAccess())
         C.Advance();
     else if (C.Is("identity_insert"_L1) && !C.IsAccess()) {

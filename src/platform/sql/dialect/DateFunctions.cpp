@@ -22,18 +22,22 @@ TPart PartOf(const QString &name)
         QLatin1StringView Name;
         TPart Part;
     };
-    static constexpr TName Names[] = {
-        {"yyyy"_L1, TPart::Year},       {"yy"_L1, TPart::Year},       {"year"_L1, TPart::Year},
-        {"q"_L1, TPart::Quarter},       {"qq"_L1, TPart::Quarter},    {"quarter"_L1, TPart::Quarter},
-        {"m"_L1, TPart::Month},         {"mm"_L1, TPart::Month},      {"month"_L1, TPart::Month},
-        {"y"_L1, TPart::DayOfYear},     {"dy"_L1, TPart::DayOfYear},  {"dayofyear"_L1, TPart::DayOfYear},
-        {"d"_L1, TPart::Day},           {"dd"_L1, TPart::Day},        {"day"_L1, TPart::Day},
-        {"ww"_L1, TPart::Week},         {"wk"_L1, TPart::Week},       {"week"_L1, TPart::Week},
-        {"w"_L1, TPart::WeekDay},       {"dw"_L1, TPart::WeekDay},    {"weekday"_L1, TPart::WeekDay},
-        {"h"_L1, TPart::Hour},          {"hh"_L1, TPart::Hour},       {"hour"_L1, TPart::Hour},
-        {"n"_L1, TPart::Minute},        {"mi"_L1, TPart::Minute},     {"minute"_L1, TPart::Minute},
-        {"s"_L1, TPart::Second},        {"ss"_L1, TPart::Second},     {"second"_L1, TPart::Second},
-        {"ms"_L1, TPart::Millisecond},  {"millisecond"_L1, TPart::Millisecond}};
+    static constexpr TName Names[] = {{"yyyy"_L1, TPart::Year},       {"yy"_L1, TPart::Year},
+                                      {"year"_L1, TPart::Year},       {"q"_L1, TPart::Quarter},
+                                      {"qq"_L1, TPart::Quarter},      {"quarter"_L1, TPart::Quarter},
+                                      {"m"_L1, TPart::Month},         {"mm"_L1, TPart::Month},
+                                      {"month"_L1, TPart::Month},     {"y"_L1, TPart::DayOfYear},
+                                      {"dy"_L1, TPart::DayOfYear},    {"dayofyear"_L1, TPart::DayOfYear},
+                                      {"d"_L1, TPart::Day},           {"dd"_L1, TPart::Day},
+                                      {"day"_L1, TPart::Day},         {"ww"_L1, TPart::Week},
+                                      {"wk"_L1, TPart::Week},         {"week"_L1, TPart::Week},
+                                      {"w"_L1, TPart::WeekDay},       {"dw"_L1, TPart::WeekDay},
+                                      {"weekday"_L1, TPart::WeekDay}, {"h"_L1, TPart::Hour},
+                                      {"hh"_L1, TPart::Hour},         {"hour"_L1, TPart::Hour},
+                                      {"n"_L1, TPart::Minute},        {"mi"_L1, TPart::Minute},
+                                      {"minute"_L1, TPart::Minute},   {"s"_L1, TPart::Second},
+                                      {"ss"_L1, TPart::Second},       {"second"_L1, TPart::Second},
+                                      {"ms"_L1, TPart::Millisecond},  {"millisecond"_L1, TPart::Millisecond}};
     const QString lower = name.trimmed().toLower();
     for (const TName &known : Names) {
         if (lower == known.Name)

@@ -10,8 +10,29 @@ using namespace Qt::StringLiterals;
 namespace Korvane {
 
 enum class TQueryRules::TOperator : quint8 {
-    Or, And, Not, Comparison, Is, Like, Escape, Between, BetweenAnd, Join, Add, Subtract, Bitwise, BitwiseXor,
-    Modulo, WholeDivide, Multiply, Divide, Remainder, Sign, Power, Concat, Collate
+    Or,
+    And,
+    Not,
+    Comparison,
+    Is,
+    Like,
+    Escape,
+    Between,
+    BetweenAnd,
+    Join,
+    Add,
+    Subtract,
+    Bitwise,
+    BitwiseXor,
+    Modulo,
+    WholeDivide,
+    Multiply,
+    Divide,
+    Remainder,
+    Sign,
+    Power,
+    Concat,
+    Collate
 };
 
 /// Operands and operators that wait for their turn: operators are combined by priority without
@@ -30,8 +51,20 @@ constexpr int MaxCallArguments = 100;
 
 /// How tightly an operator binds in its dialect; a larger number binds first.
 enum TPriority {
-    prOr = 1, prAnd, prNot, prCompare, prEscape, prJoin, prAdd, prModulo, prWholeDivide, prMultiply, prSign,
-    prPower, prConcat, prCollate
+    prOr = 1,
+    prAnd,
+    prNot,
+    prCompare,
+    prEscape,
+    prJoin,
+    prAdd,
+    prModulo,
+    prWholeDivide,
+    prMultiply,
+    prSign,
+    prPower,
+    prConcat,
+    prCollate
 };
 
 bool IsFlagWord(const TSqlToken &token)
@@ -97,15 +130,21 @@ bool TQueryRules::AcceptOperator(TStack &stack)
         TOperator Kind;
         int Priority;
     };
-    static constexpr TSign Common[] = {
-        {"="_L1, TOperator::Comparison, prCompare},  {"<>"_L1, TOperator::Comparison, prCompare},
-        {"!="_L1, TOperator::Comparison, prCompare}, {"<"_L1, TOperator::Comparison, prCompare},
-        {">"_L1, TOperator::Comparison, prCompare},  {"<="_L1, TOperator::Comparison, prCompare},
-        {">="_L1, TOperator::Comparison, prCompare}, {"=="_L1, TOperator::Comparison, prCompare},
-        {"+"_L1, TOperator::Add, prAdd},             {"-"_L1, TOperator::Subtract, prAdd},
-        {"*"_L1, TOperator::Multiply, prMultiply},   {"/"_L1, TOperator::Divide, prMultiply},
-        {"||"_L1, TOperator::Concat, prConcat},      {"!<"_L1, TOperator::Comparison, prCompare},
-        {"!>"_L1, TOperator::Comparison, prCompare}};
+    static constexpr TSign Common[] = {{"="_L1, TOperator::Comparison, prCompare},
+                                       {"<>"_L1, TOperator::Comparison, prCompare},
+                                       {"!="_L1, TOperator::Comparison, prCompare},
+                                       {"<"_L1, TOperator::Comparison, prCompare},
+                                       {">"_L1, TOperator::Comparison, prCompare},
+                                       {"<="_L1, TOperator::Comparison, prCompare},
+                                       {">="_L1, TOperator::Comparison, prCompare},
+                                       {"=="_L1, TOperator::Comparison, prCompare},
+                                       {"+"_L1, TOperator::Add, prAdd},
+                                       {"-"_L1, TOperator::Subtract, prAdd},
+                                       {"*"_L1, TOperator::Multiply, prMultiply},
+                                       {"/"_L1, TOperator::Divide, prMultiply},
+                                       {"||"_L1, TOperator::Concat, prConcat},
+                                       {"!<"_L1, TOperator::Comparison, prCompare},
+                                       {"!>"_L1, TOperator::Comparison, prCompare}};
     static constexpr TSign Access[] = {{"&"_L1, TOperator::Join, prJoin},
                                        {"\\"_L1, TOperator::WholeDivide, prWholeDivide},
                                        {"^"_L1, TOperator::Power, prPower}};
@@ -321,8 +360,8 @@ TSqlOperand TQueryRules::Add(const TPending &pending, TSqlOperand &left, TSqlOpe
         Finish(left);
         if (left.Form == TSqlForm::Bitwise)
             Wrap(left);
-        return {left.First, right.Last, left.Kind == Whole && right.Kind == Whole ? Whole : Number,
-                TSqlForm::Other, {}, 0};
+        return {left.First,      right.Last, left.Kind == Whole && right.Kind == Whole ? Whole : Number,
+                TSqlForm::Other, {},         0};
     }
     return Call("korvane_add"_L1, pending, left, right, Unknown, true);
 }

@@ -10,9 +10,9 @@ namespace {
 constexpr std::initializer_list<QLatin1StringView> SetOperators = {"union"_L1, "except"_L1, "intersect"_L1};
 /// What may stand in brackets behind a table in the MSSQL dialect: hints about locks.
 constexpr std::initializer_list<QLatin1StringView> TableHints = {
-    "nolock"_L1,  "readuncommitted"_L1, "readcommitted"_L1, "repeatableread"_L1, "serializable"_L1,
+    "nolock"_L1,   "readuncommitted"_L1, "readcommitted"_L1, "repeatableread"_L1, "serializable"_L1,
     "holdlock"_L1, "rowlock"_L1,         "paglock"_L1,       "tablock"_L1,        "tablockx"_L1,
-    "updlock"_L1, "xlock"_L1,           "readpast"_L1,      "index"_L1,          "noexpand"_L1};
+    "updlock"_L1,  "xlock"_L1,           "readpast"_L1,      "index"_L1,          "noexpand"_L1};
 
 } // namespace
 

@@ -9,9 +9,9 @@ namespace {
 
 /// Words that begin a statement and so end the one before them.
 constexpr std::initializer_list<QLatin1StringView> StatementWords = {
-    "select"_L1,   "insert"_L1,  "update"_L1,  "delete"_L1,    "create"_L1,   "alter"_L1,  "drop"_L1,
-    "truncate"_L1, "begin"_L1,   "commit"_L1,  "rollback"_L1,  "backup"_L1,   "restore"_L1, "set"_L1,
-    "exec"_L1,     "execute"_L1, "declare"_L1, "transform"_L1, "print"_L1,    "use"_L1,    "while"_L1,
+    "select"_L1,   "insert"_L1,  "update"_L1,  "delete"_L1,    "create"_L1, "alter"_L1,   "drop"_L1,
+    "truncate"_L1, "begin"_L1,   "commit"_L1,  "rollback"_L1,  "backup"_L1, "restore"_L1, "set"_L1,
+    "exec"_L1,     "execute"_L1, "declare"_L1, "transform"_L1, "print"_L1,  "use"_L1,     "while"_L1,
     "grant"_L1,    "revoke"_L1,  "return"_L1,  "if"_L1};
 
 constexpr std::initializer_list<QLatin1StringView> CatalogTables = {"sysobjects"_L1, "sysdatabases"_L1,
@@ -19,10 +19,7 @@ constexpr std::initializer_list<QLatin1StringView> CatalogTables = {"sysobjects"
 
 } // namespace
 
-void RefuseSql(const QString &construct)
-{
-    throw ESqlError(u"内嵌数据库引擎不支持“%1”"_s.arg(construct));
-}
+void RefuseSql(const QString &construct) { throw ESqlError(u"内嵌数据库引擎不支持“%1”"_s.arg(construct)); }
 
 bool TSqlCursor::IsAnyOf(std::initializer_list<QLatin1StringView> words, int ahead) const
 {

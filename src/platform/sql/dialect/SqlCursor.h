@@ -34,10 +34,7 @@ public:
     int At = 0; ///< the next token; stops at the End token
 
     bool IsAccess() const { return Dialect == TSqlDialect::Access; }
-    const TSqlToken &Token(int ahead = 0) const
-    {
-        return Edits[std::min(At + ahead, Edits.Size() - 1)];
-    }
+    const TSqlToken &Token(int ahead = 0) const { return Edits[std::min(At + ahead, Edits.Size() - 1)]; }
     bool AtEnd() const { return Token().Kind == TSqlTokenKind::End; }
     void Advance(int count = 1) { At = std::min(At + count, Edits.Size() - 1); }
 

@@ -132,10 +132,7 @@ double TSqlCall::Number(int i)
     throw ESqlError(u"“%1”不是数值"_s.arg(String(i).left(100)));
 }
 
-int TSqlCall::Position(int i)
-{
-    return int(std::clamp(std::trunc(Number(i)), -2147483647.0, 2147483647.0));
-}
+int TSqlCall::Position(int i) { return int(std::clamp(std::trunc(Number(i)), -2147483647.0, 2147483647.0)); }
 
 void TSqlCall::SetText(std::string_view utf8)
 {

@@ -16,8 +16,8 @@ struct TTableChange
     enum TKind { AddColumn, AlterColumn, DropColumn, AddConstraint, DropConstraint };
     TKind Kind = AddColumn;
     QString Table;
-    QString Column;     ///< or the name of the constraint
-    QByteArray Text;    ///< column definition or constraint, in the engine's language
+    QString Column;  ///< or the name of the constraint
+    QByteArray Text; ///< column definition or constraint, in the engine's language
 };
 
 /// One step of a rewritten statement, to be run in order: a statement of the engine, or a

@@ -175,10 +175,7 @@ private:
         return TSqlTokenKind::Number;
     }
 
-    static bool IsHex(QChar c)
-    {
-        return IsDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-    }
+    static bool IsHex(QChar c) { return IsDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F'); }
 
     void SkipDigits()
     {
@@ -212,9 +209,9 @@ private:
 
     TSqlTokenKind Operator()
     {
-        static constexpr QLatin1StringView Pairs[] = {"<>"_L1, "<="_L1, ">="_L1, "!="_L1, "!<"_L1, "!>"_L1,
-                                                      "=="_L1, "||"_L1, "<<"_L1, ">>"_L1, "*="_L1, "=*"_L1,
-                                                      "+="_L1, "-="_L1};
+        static constexpr QLatin1StringView Pairs[] = {"<>"_L1, "<="_L1, ">="_L1, "!="_L1, "!<"_L1,
+                                                      "!>"_L1, "=="_L1, "||"_L1, "<<"_L1, ">>"_L1,
+                                                      "*="_L1, "=*"_L1, "+="_L1, "-="_L1};
         const QStringView pair = FText.mid(FAt, 2);
         FAt += std::any_of(std::begin(Pairs), std::end(Pairs), [&](auto p) { return pair == p; }) ? 2 : 1;
         return TSqlTokenKind::Operator;

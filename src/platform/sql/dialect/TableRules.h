@@ -24,8 +24,8 @@ private:
         int Last = -1;
         int Name = -1;
         TSqlType Type;
-        int Key = -1;        ///< the word "key" of an inline primary key
-        int NotNull = -1;    ///< the word "not"
+        int Key = -1;     ///< the word "key" of an inline primary key
+        int NotNull = -1; ///< the word "not"
         bool HasNull = false;
         bool HasDefault = false;
         bool IsConstantDefault = true;
@@ -38,7 +38,7 @@ private:
         int First = -1;
         int Last = -1;
         QString Name;
-        QList<int> KeyColumns; ///< of a primary key
+        QList<int> KeyColumns;  ///< of a primary key
         int DefaultColumn = -1; ///< of "default x for COLUMN"
     };
 

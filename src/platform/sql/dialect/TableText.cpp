@@ -32,7 +32,7 @@ bool BeginsConstraint(const TSqlToken &token)
 /// A piece of a column's definition behind its name: the type, or an option.
 struct TPiece
 {
-    QString Kind; ///< empty for the type; of options the first word, "null" also for "not null"
+    QString Kind;       ///< empty for the type; of options the first word, "null" also for "not null"
     QString Constraint; ///< the name before the option
     QString Text;
 };

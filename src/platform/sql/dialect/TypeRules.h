@@ -14,11 +14,11 @@ struct TSqlType
     int First = -1;
     int Last = -1;
     TSqlTypeClass Class = TSqlTypeClass::Other;
-    QString EngineName;   ///< as the engine is to declare it, size included
-    int Length = -1;      ///< of a text; -1 without limit
-    int Scale = -1;       ///< of a decimal
+    QString EngineName;     ///< as the engine is to declare it, size included
+    int Length = -1;        ///< of a text; -1 without limit
+    int Scale = -1;         ///< of a decimal
     bool IsCounter = false; ///< numbers its rows
-    QString Seed;         ///< the counter's first number, if given
+    QString Seed;           ///< the counter's first number, if given
 };
 
 /// Reads the type at the cursor and goes past it. A type of no dialect keeps its name. Raises

@@ -111,7 +111,10 @@ void TJetDriver::Connect(const TConnectionString &connection, const TSqlConnectO
     FFileName = fileName;
 }
 
-void TJetDriver::DropDatabase(const TConnectionString &connection) { RemoveDatabaseFile(connection.DataSource()); }
+void TJetDriver::DropDatabase(const TConnectionString &connection)
+{
+    RemoveDatabaseFile(connection.DataSource());
+}
 
 void TJetDriver::Disconnect() { FFileName.clear(); }
 

@@ -49,11 +49,12 @@ void FillObjects(TSqliteDatabase &database)
                              : type == QLatin1String("trigger") ? QStringLiteral("TR")
                              : system                           ? QStringLiteral("S")
                                                                 : QStringLiteral("U");
-        rows.append({name, objects.Int(2), kind, kind,
-                     TimeText(created.value(name.toLower(), databaseCreated))});
+        rows.append(
+            {name, objects.Int(2), kind, kind, TimeText(created.value(name.toLower(), databaseCreated))});
     }
     FillTable(database, "sysobjects",
-              "name varchar(128) collate nocase, id int, xtype char(2) collate nocase, type char(2) collate nocase, "
+              "name varchar(128) collate nocase, id int, xtype char(2) collate nocase, type char(2) collate "
+              "nocase, "
               "crdate datetime text",
               rows);
 }
@@ -79,11 +80,12 @@ void FillDatabases(TSqliteDatabase &database, const TFolderServer *server)
             rows.append({name, ++number, TimeText(CreatedOf(file)), file});
         }
     } else {
-        rows.append({QFileInfo(database.FileName()).completeBaseName(), 1, TimeText(DatabaseCreated(database)),
-                     database.FileName()});
+        rows.append({QFileInfo(database.FileName()).completeBaseName(), 1,
+                     TimeText(DatabaseCreated(database)), database.FileName()});
     }
     FillTable(database, "sysdatabases",
-              "name varchar(128) collate nocase, dbid int, crdate datetime text, filename varchar(260)", rows);
+              "name varchar(128) collate nocase, dbid int, crdate datetime text, filename varchar(260)",
+              rows);
 }
 
 void FillProcesses(TSqliteDatabase &database, const TFolderServer *server, TConnectionRoster *roster)
@@ -92,14 +94,16 @@ void FillProcesses(TSqliteDatabase &database, const TFolderServer *server, TConn
     QList<QVariantList> rows;
     for (const TRosterEntry &entry : roster ? roster->Entries() : QList<TRosterEntry>()) {
         qsizetype number = 0;
-        while (number < databases.size() && databases[number].compare(entry.Database, Qt::CaseInsensitive) != 0)
+        while (number < databases.size() &&
+               databases[number].compare(entry.Database, Qt::CaseInsensitive) != 0)
             ++number;
         rows.append({entry.Number + 50, number + 1, TimeText(entry.Connected), entry.ComputerName,
                      entry.ApplicationName, QString::number(entry.ProcessId), entry.LoginName});
     }
     FillTable(database, "sysprocesses",
               "spid smallint, dbid smallint, login_time datetime text, hostname varchar(128) collate nocase, "
-              "program_name varchar(128) collate nocase, hostprocess varchar(10), loginame varchar(128) collate nocase",
+              "program_name varchar(128) collate nocase, hostprocess varchar(10), loginame varchar(128) "
+              "collate nocase",
               rows);
 }
 

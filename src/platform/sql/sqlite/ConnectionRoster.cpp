@@ -70,8 +70,9 @@ QByteArray ToLine(QString text, qsizetype bytes)
 /// The entry's texts in one block. A database's name always fits; a path may be cut.
 QByteArray ToBlock(const TRosterEntry &entry)
 {
-    return (ToLine(entry.ApplicationName, 160) + ToLine(entry.ComputerName, 160) + ToLine(entry.LoginName, 160) +
-            ToLine(entry.Database, 400) + ToLine(QString::number(entry.ProcessId), 20) +
+    return (ToLine(entry.ApplicationName, 160) + ToLine(entry.ComputerName, 160) +
+            ToLine(entry.LoginName, 160) + ToLine(entry.Database, 400) +
+            ToLine(QString::number(entry.ProcessId), 20) +
             ToLine(entry.Connected.toString(Qt::ISODateWithMs), 40))
         .leftJustified(BlockSize, '\0', true);
 }

@@ -55,8 +55,9 @@ void CreateDatabaseFile(const QString &fileName, const QString &password)
     // NOTE: made exclusively first, so that of two creators one fails and nothing is overwritten.
     QFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        throw ESqlError(file.exists() ? QStringLiteral("数据库文件已经存在：%1").arg(fileName)
-                                      : QStringLiteral("不能创建数据库文件：%1（%2）").arg(fileName, file.errorString()));
+        throw ESqlError(
+            file.exists() ? QStringLiteral("数据库文件已经存在：%1").arg(fileName)
+                          : QStringLiteral("不能创建数据库文件：%1（%2）").arg(fileName, file.errorString()));
     file.close();
     try {
         TSqliteDatabase database(fileName, TSqliteOpen::ReadWrite);
@@ -75,7 +76,8 @@ void RemoveDatabaseFile(const QString &fileName)
     for (const char *suffix : {"-wal", "-shm", "-journal", ""}) {
         QFile file(fileName + QLatin1String(suffix));
         if (file.exists() && !file.remove())
-            throw ESqlError(QStringLiteral("不能删除文件：%1（%2）").arg(file.fileName(), file.errorString()));
+            throw ESqlError(
+                QStringLiteral("不能删除文件：%1（%2）").arg(file.fileName(), file.errorString()));
     }
 }
 
@@ -84,7 +86,8 @@ void ChooseJournal(TSqliteDatabase &database)
     // A file made by another tool keeps what that tool chose.
     if (database.Value("pragma application_id").toInt() != DatabaseApplicationId)
         return;
-    const QString wanted = IsOnNetwork(database.FileName()) ? QStringLiteral("delete") : QStringLiteral("wal");
+    const QString wanted =
+        IsOnNetwork(database.FileName()) ? QStringLiteral("delete") : QStringLiteral("wal");
     if (database.Value("pragma journal_mode") == wanted)
         return;
     try {

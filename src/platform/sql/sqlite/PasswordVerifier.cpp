@@ -18,7 +18,8 @@ constexpr int KeyBytes = 32;
 
 QByteArray DeriveKey(const QString &password, const QByteArray &salt, int rounds)
 {
-    return QPasswordDigestor::deriveKeyPbkdf2(QCryptographicHash::Sha256, password.toUtf8(), salt, rounds, KeyBytes);
+    return QPasswordDigestor::deriveKeyPbkdf2(QCryptographicHash::Sha256, password.toUtf8(), salt, rounds,
+                                              KeyBytes);
 }
 
 } // namespace

@@ -54,8 +54,12 @@ double DateNumber(const QDateTime &time) { return TDateTime(time).Days(); }
 QVariant DeclaredLength(const QString &declared)
 {
     const qsizetype open = declared.indexOf(QLatin1Char('('));
-    const int length = open < 0 ? 0 : declared.mid(open + 1).section(QLatin1Char(')'), 0, 0).section(
-                                          QLatin1Char(','), 0, 0).trimmed().toInt();
+    const int length = open < 0 ? 0
+                                : declared.mid(open + 1)
+                                      .section(QLatin1Char(')'), 0, 0)
+                                      .section(QLatin1Char(','), 0, 0)
+                                      .trimmed()
+                                      .toInt();
     return length > 0 ? QVariant(length) : QVariant();
 }
 
@@ -127,14 +131,14 @@ TDataPacket IndexesRowset(TSqliteDatabase &database, const QVariantList &restric
                            {QStringLiteral("UNIQUE"), ftString, 1},
                            {QStringLiteral("PRIMARY_KEY"), ftString, 1}},
                           restrictions);
-    TSqliteStatement indexes(database,
-                             "select m.name, i.name, c.name, c.seqno + 1, i.\"unique\", i.origin = 'pk' "
-                             "from sqlite_master m, pragma_index_list(m.name) i, pragma_index_info(i.name) c "
-                             "where m.type = 'table' and m.name <> '_korvane' order by m.name, i.name, c.seqno");
+    TSqliteStatement indexes(
+        database, "select m.name, i.name, c.name, c.seqno + 1, i.\"unique\", i.origin = 'pk' "
+                  "from sqlite_master m, pragma_index_list(m.name) i, pragma_index_info(i.name) c "
+                  "where m.type = 'table' and m.name <> '_korvane' order by m.name, i.name, c.seqno");
     const auto flag = [](bool value) { return value ? QStringLiteral("Y") : QStringLiteral("N"); };
     while (indexes.Step())
-        rowset.Add({indexes.String(0), PlainIndexName(indexes.String(0), indexes.String(1)), indexes.String(2),
-                    indexes.Int(3), flag(indexes.Int(4) != 0), flag(indexes.Int(5) != 0)});
+        rowset.Add({indexes.String(0), PlainIndexName(indexes.String(0), indexes.String(1)),
+                    indexes.String(2), indexes.Int(3), flag(indexes.Int(4) != 0), flag(indexes.Int(5) != 0)});
     return std::move(rowset).Build();
 }
 

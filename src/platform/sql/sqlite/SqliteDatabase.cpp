@@ -71,7 +71,8 @@ TSqliteStatement::TSqliteStatement(TSqliteDatabase &database, const QByteArray &
 {
     const char *tail = nullptr;
     const QByteArray text = sql; // rest may be the same object
-    if (sqlite3_prepare_v2(database.Handle(), text.constData(), int(text.size()), &FStatement, &tail) != SQLITE_OK)
+    if (sqlite3_prepare_v2(database.Handle(), text.constData(), int(text.size()), &FStatement, &tail) !=
+        SQLITE_OK)
         database.Fail();
     if (rest)
         *rest = text.mid(tail - text.constData());
@@ -92,8 +93,8 @@ void TSqliteStatement::BindText(int index, std::string_view utf8)
 
 void TSqliteStatement::BindBlob(int index, std::string_view bytes)
 {
-    if (sqlite3_bind_blob64(FStatement, index, bytes.data() ? bytes.data() : "", bytes.size(), SQLITE_TRANSIENT) !=
-        SQLITE_OK)
+    if (sqlite3_bind_blob64(FStatement, index, bytes.data() ? bytes.data() : "", bytes.size(),
+                            SQLITE_TRANSIENT) != SQLITE_OK)
         FDatabase.Fail();
 }
 
@@ -155,7 +156,10 @@ void TSqliteStatement::Reset()
 }
 
 int TSqliteStatement::ColumnCount() const { return sqlite3_column_count(FStatement); }
-bool TSqliteStatement::IsNull(int column) const { return sqlite3_column_type(FStatement, column) == SQLITE_NULL; }
+bool TSqliteStatement::IsNull(int column) const
+{
+    return sqlite3_column_type(FStatement, column) == SQLITE_NULL;
+}
 qint64 TSqliteStatement::Int(int column) const { return sqlite3_column_int64(FStatement, column); }
 double TSqliteStatement::Double(int column) const { return sqlite3_column_double(FStatement, column); }
 
@@ -201,13 +205,12 @@ struct TDeclaredType
 /// First match wins; the parts are looked for in the declared type in lower case, as the
 /// engine itself does for its affinities (sqlite.org/datatype3.html).
 constexpr TDeclaredType DeclaredTypes[] = {
-    {"char", ftString},     {"date", ftString},     {"time", ftString},      {"blob", ftBlob},
-    {"image", ftBlob},      {"binary", ftBlob},     {"clob", ftMemo},        {"text", ftMemo},
-    {"guid", ftString},
-    {"memo", ftMemo},       {"bigint", ftLargeint}, {"smallint", ftSmallint}, {"int", ftInteger},
-    {"decimal", ftFloat},   {"numeric", ftFloat},   {"money", ftCurrency},   {"currency", ftCurrency},
-    {"float", ftFloat},     {"real", ftFloat},      {"doub", ftFloat},       {"bool", ftBoolean},
-    {"bit", ftBoolean},     {"long", ftInteger},    {"short", ftSmallint},
+    {"char", ftString},       {"date", ftString},   {"time", ftString},     {"blob", ftBlob},
+    {"image", ftBlob},        {"binary", ftBlob},   {"clob", ftMemo},       {"text", ftMemo},
+    {"guid", ftString},       {"memo", ftMemo},     {"bigint", ftLargeint}, {"smallint", ftSmallint},
+    {"int", ftInteger},       {"decimal", ftFloat}, {"numeric", ftFloat},   {"money", ftCurrency},
+    {"currency", ftCurrency}, {"float", ftFloat},   {"real", ftFloat},      {"doub", ftFloat},
+    {"bool", ftBoolean},      {"bit", ftBoolean},   {"long", ftInteger},    {"short", ftSmallint},
 };
 
 TPacketField DeclaredField(const char *declaredType)

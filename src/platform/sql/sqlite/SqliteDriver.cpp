@@ -144,8 +144,8 @@ void TSqliteDriver::Connect(const TConnectionString &connection, const TSqlConne
             OpenFile(connection.DataSource(), connection, options);
         } else {
             FServer.emplace(connection.DataSource());
-            const QString name =
-                connection.InitialCatalog().isEmpty() ? QStringLiteral("master") : connection.InitialCatalog();
+            const QString name = connection.InitialCatalog().isEmpty() ? QStringLiteral("master")
+                                                                       : connection.InitialCatalog();
             const QString file = FServer->FileOf(name);
             if (name.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0 && !QFileInfo::exists(file))
                 CreateDatabaseFile(file, {});
@@ -210,8 +210,8 @@ void TSqliteDriver::Configure()
         sqlite3_db_config(handle, SQLITE_DBCONFIG_MAINDBNAME, FMainName.constData());
     }
     RegisterSqlFunctions(handle, FDialect);
-    sqlite3_create_function_v2(handle, "korvane_spid", 0, SQLITE_UTF8, this, SessionNumberFunction, nullptr, nullptr,
-                               nullptr);
+    sqlite3_create_function_v2(handle, "korvane_spid", 0, SQLITE_UTF8, this, SessionNumberFunction, nullptr,
+                               nullptr, nullptr);
 }
 
 void TSqliteDriver::Disconnect()
@@ -242,7 +242,8 @@ TDataPacket TSqliteDriver::Query(const QString &statement, std::span<const TSqlP
     return rows;
 }
 
-qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows)
+qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParameter> parameters,
+                          TDataPacket *rows)
 {
     TSqliteDatabase &database = Database();
     const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
@@ -267,8 +268,8 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
     return affected;
 }
 
-qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
-                               TDataPacket *rows)
+qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten,
+                               std::span<const TSqlParameter> parameters, TDataPacket *rows)
 {
     qint64 affected = 0;
     for (const TRewrittenStep &step : rewritten.Steps) {
@@ -309,7 +310,8 @@ void TSqliteDriver::RollbackTransaction() { Database().Run("rollback"); }
 
 bool TSqliteDriver::InTransaction() const { return FDatabase && FDatabase->InTransaction(); }
 
-TDataPacket TSqliteDriver::OpenSchema(TSchemaInfo schema, const QVariantList &restrictions, const QString &schemaId)
+TDataPacket TSqliteDriver::OpenSchema(TSchemaInfo schema, const QVariantList &restrictions,
+                                      const QString &schemaId)
 {
     TSqliteDatabase &database = Database();
     switch (schema) {

@@ -32,7 +32,8 @@ public:
     void CommitTransaction() override;
     void RollbackTransaction() override;
     bool InTransaction() const override;
-    TDataPacket OpenSchema(TSchemaInfo schema, const QVariantList &restrictions, const QString &schemaId) override;
+    TDataPacket OpenSchema(TSchemaInfo schema, const QVariantList &restrictions,
+                           const QString &schemaId) override;
     void CreateDatabase(const TConnectionString &connection) override;
     void DropDatabase(const TConnectionString &connection) override;
     void CopyDatabase(const QString &fileName) override;
@@ -42,8 +43,10 @@ public:
     int SessionNumber() const { return FRoster ? FRoster->Number() + 50 : 0; }
 
 private:
-    void OpenFile(const QString &fileName, const TConnectionString &connection, const TSqlConnectOptions &options);
-    void JoinRoster(const QString &rosterFile, const TConnectionString &connection, const QString &applicationName);
+    void OpenFile(const QString &fileName, const TConnectionString &connection,
+                  const TSqlConnectOptions &options);
+    void JoinRoster(const QString &rosterFile, const TConnectionString &connection,
+                    const QString &applicationName);
     void Configure();
     TSqliteDatabase &Database() const;
     /// Runs all steps and returns how many rows they changed; the rows of the last statement

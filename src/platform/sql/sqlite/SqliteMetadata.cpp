@@ -19,8 +19,8 @@ QByteArray PresentTime() { return QDateTime::currentDateTime().toString(Qt::ISOD
 
 bool HasMetadata(TSqliteDatabase &database)
 {
-    return sqlite3_table_column_metadata(database.Handle(), "main", MetadataTable, nullptr, nullptr, nullptr, nullptr,
-                                         nullptr, nullptr) == SQLITE_OK;
+    return sqlite3_table_column_metadata(database.Handle(), "main", MetadataTable, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 QString MetadataValue(TSqliteDatabase &database, std::string_view kind)
@@ -56,8 +56,9 @@ void CheckDatabasePassword(TSqliteDatabase &database, const QString &password)
     const QString verifier = MetadataValue(database, "password");
     if (verifier.isEmpty() || CheckPassword(password, verifier))
         return;
-    throw ESqlError(password.isEmpty() ? QStringLiteral("数据库设有密码，请输入密码后再连接：%1").arg(database.FileName())
-                                       : QStringLiteral("数据库密码不正确，不能连接：%1").arg(database.FileName()));
+    throw ESqlError(password.isEmpty()
+                        ? QStringLiteral("数据库设有密码，请输入密码后再连接：%1").arg(database.FileName())
+                        : QStringLiteral("数据库密码不正确，不能连接：%1").arg(database.FileName()));
 }
 
 QDateTime DatabaseCreated(TSqliteDatabase &database)
@@ -76,7 +77,8 @@ QHash<QString, QDateTime> TablesCreated(TSqliteDatabase &database)
         return tables;
     TSqliteStatement statement(database, "select Name, Value from _korvane where Kind='table'");
     while (statement.Step())
-        tables.insert(statement.String(0).toLower(), QDateTime::fromString(statement.String(1), Qt::ISODateWithMs));
+        tables.insert(statement.String(0).toLower(),
+                      QDateTime::fromString(statement.String(1), Qt::ISODateWithMs));
     return tables;
 }
 
@@ -90,9 +92,10 @@ void RecordTables(TSqliteDatabase &database, qint64 mark)
 {
     if (!HasMetadata(database))
         return;
-    TSqliteStatement statement(database, "insert or replace into _korvane(Kind, Name, Value) "
-                                         "select 'table', name, ?1 from sqlite_master where rowid>?2 and type='table' "
-                                         "and name not like 'sqlite\\_%' escape '\\'");
+    TSqliteStatement statement(database,
+                               "insert or replace into _korvane(Kind, Name, Value) "
+                               "select 'table', name, ?1 from sqlite_master where rowid>?2 and type='table' "
+                               "and name not like 'sqlite\\_%' escape '\\'");
     const QByteArray now = PresentTime();
     statement.BindText(1, {now.constData(), size_t(now.size())});
     statement.BindInt(2, mark);

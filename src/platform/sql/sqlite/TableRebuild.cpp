@@ -34,8 +34,9 @@ TStoredTable FindTable(TSqliteDatabase &database, const QString &name)
 QList<QByteArray> DependentsOf(TSqliteDatabase &database, const QString &table)
 {
     QList<QByteArray> statements;
-    TSqliteStatement dependents(database, "select sql from sqlite_master where tbl_name=?1 collate nocase "
-                                          "and type in ('index', 'trigger') and sql is not null order by rowid");
+    TSqliteStatement dependents(database,
+                                "select sql from sqlite_master where tbl_name=?1 collate nocase "
+                                "and type in ('index', 'trigger') and sql is not null order by rowid");
     dependents.Bind(1, table);
     while (dependents.Step())
         statements.append(dependents.String(0).toUtf8());
@@ -126,7 +127,8 @@ TForeignKeyPause::TForeignKeyPause(TSqliteDatabase &database, bool needed) : FDa
         return;
     // Inside a transaction the engine ignores the switch.
     if (database.InTransaction()) {
-        if (!database.Value("select 1 from sqlite_master m, pragma_foreign_key_list(m.name) limit 1").isEmpty())
+        if (!database.Value("select 1 from sqlite_master m, pragma_foreign_key_list(m.name) limit 1")
+                 .isEmpty())
             throw ESqlError(QStringLiteral("数据库有外键约束，不能在事务中更改表结构"));
         return;
     }

@@ -27,9 +27,9 @@ public:
     {
         sqlite3_open(":memory:", &FHandle);
         RegisterSqlFunctions(FHandle, dialect);
-        sqlite3_create_function(FHandle, "korvane_spid", 0, SQLITE_UTF8, nullptr,
-                                [](sqlite3_context *c, int, sqlite3_value **) { sqlite3_result_int(c, 51); },
-                                nullptr, nullptr);
+        sqlite3_create_function(
+            FHandle, "korvane_spid", 0, SQLITE_UTF8, nullptr,
+            [](sqlite3_context *c, int, sqlite3_value **) { sqlite3_result_int(c, 51); }, nullptr, nullptr);
     }
     ~TDialectDatabase() { sqlite3_close(FHandle); }
     TDialectDatabase(const TDialectDatabase &) = delete;
@@ -103,7 +103,8 @@ private:
     {
         const QString table = change.Table;
         TTableText text(Rows("select sql from sqlite_master where type='table' and name='" + table.toUtf8() +
-                             "' collate nocase").value(0));
+                             "' collate nocase")
+                            .value(0));
         QStringList common;
         const auto before = text.Columns();
         text.Apply(change);

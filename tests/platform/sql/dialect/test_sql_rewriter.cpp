@@ -128,19 +128,18 @@ TEST(SqlRewriter, NamesThePlaceOfWhatItCannotRead)
         const char *Statement;
         const char *Message;
     };
-    const TRow rows[] = {
-        {Access, "select 'abc", "文本没有结束（第 1 行第 8 列）"},
-        {Access, "select\r\n  \"abc", "文本没有结束（第 2 行第 3 列）"},
-        {MSSQL, "select \"abc", "名称没有结束（第 1 行第 8 列）"},
-        {MSSQL, "select 1\nfrom [T", "方括号没有结束（第 2 行第 6 列）"},
-        {MSSQL, "select /* 1", "注释没有结束（第 1 行第 8 列）"},
-        {Access, "select #1/1/2024", "日期没有结束（第 1 行第 8 列）"},
-        {Access, "select (1", "括号没有结束（第 1 行第 8 列）"},
-        {Access, "select 1)", "多余的右括号（第 1 行第 9 列）"},
-        {Access, "update T set", "语句不完整（第 1 行第 13 列）"},
-        {Access, "insert into T(A) values 5", "语句有语法错误：“5”（第 1 行第 25 列）"},
-        {MSSQL, "drop index IX", "语句不完整（第 1 行第 14 列）"},
-        {MSSQL, "select convert(varchar) from T", "语句有语法错误：“)”（第 1 行第 23 列）"}};
+    const TRow rows[] = {{Access, "select 'abc", "文本没有结束（第 1 行第 8 列）"},
+                         {Access, "select\r\n  \"abc", "文本没有结束（第 2 行第 3 列）"},
+                         {MSSQL, "select \"abc", "名称没有结束（第 1 行第 8 列）"},
+                         {MSSQL, "select 1\nfrom [T", "方括号没有结束（第 2 行第 6 列）"},
+                         {MSSQL, "select /* 1", "注释没有结束（第 1 行第 8 列）"},
+                         {Access, "select #1/1/2024", "日期没有结束（第 1 行第 8 列）"},
+                         {Access, "select (1", "括号没有结束（第 1 行第 8 列）"},
+                         {Access, "select 1)", "多余的右括号（第 1 行第 9 列）"},
+                         {Access, "update T set", "语句不完整（第 1 行第 13 列）"},
+                         {Access, "insert into T(A) values 5", "语句有语法错误：“5”（第 1 行第 25 列）"},
+                         {MSSQL, "drop index IX", "语句不完整（第 1 行第 14 列）"},
+                         {MSSQL, "select convert(varchar) from T", "语句有语法错误：“)”（第 1 行第 23 列）"}};
     for (const TRow &row : rows)
         EXPECT_EQ(Rewritten(QString::fromUtf8(row.Statement), row.Dialect).toStdString(),
                   std::string("! ") + row.Message);

@@ -105,9 +105,9 @@ TEST(TableText, RefusesWhatDoesNotFit)
         }
         EXPECT_EQ(table.ToSql(), before);
     }
-    for (const char *sql :
-         {"", "select 1", "create", "create x", "create table", "create table T", "create table T()", "create table (A int)",
-          "create table T(A int,)", "create table T(primary key(A))", "create table T(A int"})
+    for (const char *sql : {"", "select 1", "create", "create x", "create table", "create table T",
+                            "create table T()", "create table (A int)", "create table T(A int,)",
+                            "create table T(primary key(A))", "create table T(A int"})
         EXPECT_THROW(TTableText{QString::fromUtf8(sql)}, ESqlError) << sql;
 }
 
