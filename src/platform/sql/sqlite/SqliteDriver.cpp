@@ -144,14 +144,10 @@ void TSqliteDriver::Connect(const TConnectionString &connection, const TSqlConne
             OpenFile(connection.DataSource(), connection, options);
         } else {
             FServer.emplace(connection.DataSource());
-            const QString name = connection.InitialCatalog().isEmpty() ? QStringLiteral("master")
-                                                                       : connection.InitialCatalog();
-            const QString file = FServer->FileOf(name);
-            if (name.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0 && !QFileInfo::exists(file))
-                CreateDatabaseFile(file, {});
             TConnectionString named = connection;
-            named.SetValue(QStringLiteral("Initial Catalog"), name);
-            OpenFile(file, named, options);
+            if (connection.InitialCatalog().isEmpty())
+                named.SetValue(QStringLiteral("Initial Catalog"), QStringLiteral("master"));
+            OpenFile(FServer->FileOf(named.InitialCatalog()), named, options);
         }
     } catch (...) {
         Disconnect();
@@ -167,9 +163,11 @@ void TSqliteDriver::OpenFile(const QString &fileName, const TConnectionString &c
     FReadOnly = options.Mode == cmRead;
     FPassword = connection.Password();
     // NOTE: the roster is joined before the file is opened, so that nobody drops a database
-    // between its being found and its being used.
-    if (!FReadOnly && QFileInfo::exists(fileName))
+    // between its being found and its being used, and none is met half-made.
+    if (!FReadOnly && (FServer || QFileInfo::exists(fileName)))
         JoinRoster(RosterFileOf(fileName), connection, options.ApplicationName);
+    if (FServer && FRoster)
+        MakeMasterIfMissing();
     FDatabase = OpenDatabaseFile(fileName, FReadOnly ? TSqliteOpen::ReadOnly : TSqliteOpen::ReadWrite,
                                  options.CommandTimeout);
     CheckDatabasePassword(*FDatabase, FPassword);
@@ -362,6 +360,8 @@ void TSqliteDriver::CopyDatabase(const QString &fileName)
 
 void TSqliteDriver::RunServerCommand(const TRewrittenStatement &rewritten)
 {
+    if (FReadOnly)
+        throw ESqlError(QStringLiteral("连接是只读的，不能创建或删除数据库：%1").arg(rewritten.CommandDatabase));
     if (FServer && rewritten.Command == TServerCommand::CreateDatabase)
         return CreateServerDatabase(rewritten.CommandDatabase);
     if (FServer && rewritten.Command == TServerCommand::DropDatabase)
@@ -369,12 +369,23 @@ void TSqliteDriver::RunServerCommand(const TRewrittenStatement &rewritten)
     throw ESqlError(QStringLiteral("内嵌数据库引擎不支持此语句：%1").arg(rewritten.CommandDatabase));
 }
 
+void TSqliteDriver::MakeMasterIfMissing()
+{
+    const QString file = FServer->FileOf(QStringLiteral("master"));
+    FRoster->WhileClosed([&](const QList<TRosterEntry> &) {
+        if (!QFileInfo::exists(file))
+            CreateDatabaseFile(file, {});
+    });
+}
+
 void TSqliteDriver::CreateServerDatabase(const QString &name)
 {
     const QString file = FServer->FileOf(name);
-    if (QFileInfo::exists(file))
-        throw ESqlError(QStringLiteral("数据库已经存在：%1").arg(name));
-    CreateDatabaseFile(file, FPassword);
+    FRoster->WhileClosed([&](const QList<TRosterEntry> &) {
+        if (QFileInfo::exists(file))
+            throw ESqlError(QStringLiteral("数据库已经存在：%1").arg(name));
+        CreateDatabaseFile(file, FPassword);
+    });
 }
 
 void TSqliteDriver::DropServerDatabase(const QString &name)

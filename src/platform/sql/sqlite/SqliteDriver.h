@@ -55,6 +55,7 @@ private:
     qint64 RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
                     TDataPacket *rows);
     void RunServerCommand(const TRewrittenStatement &rewritten);
+    void MakeMasterIfMissing();
     void CreateServerDatabase(const QString &name);
     void DropServerDatabase(const QString &name);
     QString RosterFileOf(const QString &fileName) const;
