@@ -185,3 +185,14 @@ TEST_F(FolderServer, dates_of_databases_and_objects_are_those_of_their_making)
               u"2001-02-03 04:05:06.007"_s);
     EXPECT_GE(read(*user, u"select crdate from sysobjects where name='T'"_s), before.addMSecs(-1));
 }
+
+TEST_F(FolderServer, a_connection_that_only_reads_makes_and_drops_nothing)
+{
+    TADOConnection reader;
+    reader.SetConnectionString(FServer.ConnectionString());
+    reader.SetMode(cmRead);
+    reader.SetConnected(true);
+    for (const QString &statement : {u"create database [x]"_s, u"drop database [orders]"_s})
+        EXPECT_TRUE(FailureOf(reader, statement).startsWith(u"连接是只读的"_s)) << statement.toStdString();
+    EXPECT_EQ(Files(), QStringList(u"orders.db"_s));
+}
