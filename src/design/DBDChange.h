@@ -11,6 +11,7 @@ class TDBDChange : public TDBDObject
 {
     Q_OBJECT
     Q_PROPERTY(int ChangeNo READ ChangeNo WRITE SetChangeNo)
+    Q_PROPERTY(std::shared_ptr<Korvane::TChangesObject> ChangeObject READ ChangeObject STORED false)
 
 public:
     explicit TDBDChange(QObject *owner = nullptr);

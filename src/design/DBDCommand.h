@@ -11,6 +11,7 @@ class TDBDCommand : public TDBDObject
 {
     Q_OBJECT
     Q_PROPERTY(QString Command READ Command WRITE SetCommand)
+    Q_PROPERTY(std::shared_ptr<Korvane::TCommandsObject> CommandObject READ CommandObject STORED false)
 
 public:
     explicit TDBDCommand(QObject *owner = nullptr);

@@ -13,6 +13,11 @@ class TDBDQuery : public TDBDObject
     Q_OBJECT
     Q_PROPERTY(QString Table READ Table STORED false)
     Q_PROPERTY(QString Query READ Query WRITE SetQuery)
+    Q_PROPERTY(std::shared_ptr<Korvane::TQuerysObject> QueryObject READ QueryObject STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TColumnsObject> Columns READ Columns STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TFieldsObject> QueryFields READ QueryFields STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TIndexsObject> Indexs READ Indexs STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TFieldsObject> KeyFields READ KeyFields STORED false)
     Q_PROPERTY(QString KeyFieldStr READ KeyFieldStr STORED false)
 
 public:

@@ -17,6 +17,10 @@ class TDBDTable : public TDBDObject
 {
     Q_OBJECT
     Q_PROPERTY(QString Table READ Table WRITE SetTable)
+    Q_PROPERTY(std::shared_ptr<Korvane::TTablesObject> TableObject READ TableObject STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TFieldsObject> TableFields READ TableFields STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TIndexsObject> Indexs READ Indexs STORED false)
+    Q_PROPERTY(Korvane::TObjectList<Korvane::TFieldsObject> KeyFields READ KeyFields STORED false)
     Q_PROPERTY(QString KeyFieldStr READ KeyFieldStr STORED false)
 
 public:

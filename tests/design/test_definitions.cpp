@@ -3,6 +3,8 @@
 // refresh sees, and what a failed aim leaves.
 #include "DesignTesting.h"
 
+#include <QMetaProperty>
+
 using namespace Korvane;
 using namespace Korvane::Testing;
 
@@ -257,4 +259,28 @@ TEST_F(Definitions, a_definition_of_ones_own)
     EXPECT_EQ(second.DBDFile(), nullptr) << "the file is gone";
     EXPECT_EQ(second.GetSelectSQL(false), "select * from A") << "what was read stays";
     EXPECT_EQ(MessageOf([&] { second.SetTable("B"); }), "没有设置正确的DBDFile属性");
+}
+
+// Forms store the properties by these names and in this order.
+TEST(DefinitionClasses, reflected_properties_stand_in_their_order)
+{
+    const struct
+    {
+        const QMetaObject &Class;
+        const char *Properties;
+    } rows[] = {
+        {TDBDObject::staticMetaObject, "DBDFile"},
+        {TDBDTable::staticMetaObject, "Table TableObject TableFields Indexs KeyFields KeyFieldStr"},
+        {TDBDQuery::staticMetaObject,
+         "Table Query QueryObject Columns QueryFields Indexs KeyFields KeyFieldStr"},
+        {TDBDCommand::staticMetaObject, "Command CommandObject"},
+        {TDBDChange::staticMetaObject, "ChangeNo ChangeObject"},
+        {TDBDFile::staticMetaObject, "Actived FileName"},
+    };
+    for (const auto &row : rows) {
+        QStringList names;
+        for (int i = row.Class.propertyOffset(); i < row.Class.propertyCount(); ++i)
+            names.append(QLatin1String(row.Class.property(i).name()));
+        EXPECT_EQ(names.join(QLatin1Char(' ')), QLatin1String(row.Properties)) << row.Class.className();
+    }
 }
