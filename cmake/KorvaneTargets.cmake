@@ -21,8 +21,9 @@ if(KORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 add_library(korvane_options INTERFACE)
-target_compile_options(korvane_options INTERFACE -Wall -Wextra -Wno-missing-field-initializers -Wpedantic -Wshadow=local -Wnon-virtual-dtor
-                       -Woverloaded-virtual -fpch-preprocess
+target_compile_options(korvane_options INTERFACE -Wall -Wextra -Wno-missing-field-initializers -Wpedantic
+                       -Wnon-virtual-dtor -Woverloaded-virtual -fpch-preprocess
+                       $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
                        $<$<BOOL:${KORVANE_WARNINGS_AS_ERRORS}>:-Werror>
                        # g++ 12 warns without cause where an optimised std::string takes a literal
                        $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow;-Wno-restrict;-Wno-array-bounds>)
@@ -32,6 +33,11 @@ if(KORVANE_SANITIZE)
   target_compile_options(korvane_options INTERFACE -fsanitize=${KORVANE_SANITIZE} -fno-omit-frame-pointer
                          -fno-sanitize-recover=all)
   target_link_options(korvane_options INTERFACE -fsanitize=${KORVANE_SANITIZE})
+endif()
+if(KORVANE_FUZZERS)
+  # The libraries report their coverage to the fuzzers.
+  target_compile_options(korvane_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+  target_link_options(korvane_options INTERFACE -fsanitize=address,undefined)
 endif()
 
 # korvane_library(NAME folder [SOURCES …] [LINKS …] [PRIVATE_LINKS …] [CHIEF_HEADERS …])
