@@ -122,20 +122,30 @@ void PrintFilled(TToolStreams &streams, const QList<TColumnCount> &columns)
     streams.Out << QStringLiteral("共填充 %1 个栏位的 %2 个空值\n").arg(columns.size()).arg(rows);
 }
 
+/// The design and the database that a command line names, opened and connected.
+struct TCheckedDatabase
+{
+    explicit TCheckedDatabase(TCommandLine &line)
+    {
+        const QString fileName = DesignFileName(line);
+        AimSession(Session, line);
+        line.CheckEnd();
+        OpenDesign(Design, fileName);
+        Session.SetConnected(true);
+    }
+
+    TDBDFile Design;
+    TDBSession Session;
+};
+
 } // namespace
 
 int RunCheck(TCommandLine &line, TToolStreams &streams)
 {
-    const QString fileName = DesignFileName(line);
-    TDBSession session;
-    AimSession(session, line);
-    line.CheckEnd();
-    TDBDFile design;
-    OpenDesign(design, fileName);
-    session.SetConnected(true);
-
+    TCheckedDatabase checked(line);
+    TDBSession &session = checked.Session;
     TProgressLine progress(streams, ProgressOf(line));
-    const QStringList statements = design.GetCheckSQL();
+    const QStringList statements = checked.Design.GetCheckSQL();
     const QList<TColumnCount> found = FindNulls(statements, session, progress);
     if (!found.isEmpty())
         PrintNulls(streams, found);
@@ -145,16 +155,10 @@ int RunCheck(TCommandLine &line, TToolStreams &streams)
 
 int RunRepair(TCommandLine &line, TToolStreams &streams)
 {
-    const QString fileName = DesignFileName(line);
-    TDBSession session;
-    AimSession(session, line);
-    line.CheckEnd();
-    TDBDFile design;
-    OpenDesign(design, fileName);
-    session.SetConnected(true);
-
+    TCheckedDatabase checked(line);
+    TDBSession &session = checked.Session;
     TProgressLine progress(streams, ProgressOf(line));
-    const QStringList statements = design.GetCheckSQL();
+    const QStringList statements = checked.Design.GetCheckSQL();
     const QList<TColumnCount> found = FindNulls(statements, session, progress);
     if (found.isEmpty()) {
         streams.Out << QStringLiteral("没有空值，不需填充\n");
@@ -165,7 +169,7 @@ int RunRepair(TCommandLine &line, TToolStreams &streams)
         streams.Err << QStringLiteral("没有填充空值\n");
         return tsFailed;
     }
-    PrintFilled(streams, FillInTransaction(design.GetRepairSQL(), session, progress));
+    PrintFilled(streams, FillInTransaction(checked.Design.GetRepairSQL(), session, progress));
     const QList<TColumnCount> left = FindNulls(statements, session, progress);
     if (!left.isEmpty()) {
         streams.Out << QStringLiteral("以下栏位没有可填充的值，仍有空值：\n");
