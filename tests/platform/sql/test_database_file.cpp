@@ -60,6 +60,7 @@ TEST(DatabaseFile, another_tool_sees_a_durable_database_that_compares_blind_to_c
         EXPECT_EQ(tool.Run(u"select count(*) from _korvane where Kind='database'"_s), u"1"_s);
 
         const auto connection = database.Connect();
+        EXPECT_EQ(Rows(*connection, u"select synchronous from pragma_synchronous"_s), u"2"_s) << "full";
         RunAll(*connection,
                {u"create table T(CODE varchar(10) not null, MEMO text, constraint PK_T primary key(CODE))"_s,
                 u"insert into T values('Abc', 'Note')"_s});

@@ -66,65 +66,6 @@ private:
     bool FCompleted = false;
 };
 
-/// The first words of a statement in lower case, parted by single blanks, comments left out.
-QByteArray LeadingWords(const QByteArray &sql, int count)
-{
-    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    std::string_view text(sql.constData(), size_t(sql.size()));
-    const auto skipPast = [&text](std::string_view end) {
-        const size_t found = text.find(end, 2);
-        text.remove_prefix(found == text.npos ? text.size() : found + end.size());
-    };
-    QByteArray words;
-    while (!text.empty() && count > 0) {
-        if (text.starts_with("--")) {
-            skipPast("\n");
-        } else if (text.starts_with("/*")) {
-            skipPast("*/");
-        } else if (isLetter(text.front())) {
-            const auto end = std::find_if_not(text.begin(), text.end(), isLetter);
-            if (!words.isEmpty())
-                words += ' ';
-            words += QByteArray(text.data(), end - text.begin()).toLower();
-            text.remove_prefix(size_t(end - text.begin()));
-            --count;
-        } else if (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r')) {
-            text.remove_prefix(1);
-        } else {
-            break;
-        }
-    }
-    return words;
-}
-
-bool ControlsTransaction(const TRewrittenStep &step)
-{
-    static const QByteArrayList words = {"begin", "commit", "rollback", "savepoint", "release", "end"};
-    return words.contains(LeadingWords(step.Sql, 1));
-}
-
-bool ChangesRows(const TRewrittenStep &step)
-{
-    static const QByteArrayList words = {"insert", "update", "delete", "replace", "with"};
-    return words.contains(LeadingWords(step.Sql, 1));
-}
-
-bool MakesTable(const TRewrittenStep &step) { return LeadingWords(step.Sql, 2) == "create table"; }
-bool DropsTable(const TRewrittenStep &step) { return LeadingWords(step.Sql, 2) == "drop table"; }
-bool ChangesTable(const TRewrittenStep &step) { return step.Change.has_value(); }
-
-bool OnlyReads(const TRewrittenStatement &rewritten)
-{
-    return std::all_of(rewritten.Steps.begin(), rewritten.Steps.end(), [](const TRewrittenStep &step) {
-        return !step.Change && LeadingWords(step.Sql, 1) == "select";
-    });
-}
-
-bool AnyStep(const TRewrittenStatement &rewritten, bool (*is)(const TRewrittenStep &))
-{
-    return std::any_of(rewritten.Steps.begin(), rewritten.Steps.end(), is);
-}
-
 } // namespace
 
 TSqliteDriver::TSqliteDriver(TSqlDialect dialect) : FDialect(dialect) {}
@@ -252,26 +193,29 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
     if (!rewritten.CatalogTables.isEmpty())
         FillCatalogTables(database, rewritten.CatalogTables, FServer ? &*FServer : nullptr, FRoster.get());
 
-    const bool changesTable = AnyStep(rewritten, ChangesTable);
-    const bool single = rewritten.Steps.size() <= 1 && !changesTable && !AnyStep(rewritten, MakesTable) &&
-                        !AnyStep(rewritten, DropsTable);
-    if (single || AnyStep(rewritten, ControlsTransaction))
-        return RunSteps(rewritten, parameters, rows);
+    const QList<TStepKind> kinds = KindsOf(rewritten);
+    const bool changesTable = kinds.contains(TStepKind::ChangesTable);
+    const bool single = kinds.size() <= 1 && !changesTable && !kinds.contains(TStepKind::MakesTable) &&
+                        !kinds.contains(TStepKind::DropsTable);
+    if (single || kinds.contains(TStepKind::ControlsTransaction))
+        return RunSteps(rewritten, kinds, parameters, rows);
 
     // What one text asks for is done as a whole or not at all.
     const TForeignKeyPause pause(database, changesTable);
-    TWholeSteps whole(database, OnlyReads(rewritten) || sqlite3_db_readonly(database.Handle(), "main") != 0);
-    const qint64 affected = RunSteps(rewritten, parameters, rows);
+    const bool onlyReads = kinds.count(TStepKind::Selects) == kinds.size();
+    TWholeSteps whole(database, onlyReads || sqlite3_db_readonly(database.Handle(), "main") != 0);
+    const qint64 affected = RunSteps(rewritten, kinds, parameters, rows);
     whole.Complete();
     return affected;
 }
 
-qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten,
+qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, const QList<TStepKind> &kinds,
                                std::span<const TSqlParameter> parameters, TDataPacket *rows)
 {
     qint64 affected = 0;
-    for (const TRewrittenStep &step : rewritten.Steps) {
-        if (step.Change) {
+    for (qsizetype i = 0; i < kinds.size(); ++i) {
+        const TRewrittenStep &step = rewritten.Steps[i];
+        if (kinds[i] == TStepKind::ChangesTable) {
             RebuildTable(*FDatabase, *step.Change);
             continue;
         }
@@ -279,17 +223,17 @@ qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten,
         if (!statement.IsValid())
             continue;
         statement.Bind(parameters);
-        const qint64 mark = MakesTable(step) ? SchemaMark(*FDatabase) : -1;
+        const qint64 mark = kinds[i] == TStepKind::MakesTable ? SchemaMark(*FDatabase) : -1;
         if (rows && statement.ColumnCount() > 0)
             *rows = statement.ReadAll();
         else
             while (statement.Step()) {
             }
-        if (ChangesRows(step) && sqlite3_stmt_readonly(statement.Handle()) == 0)
+        if (kinds[i] == TStepKind::ChangesRows && sqlite3_stmt_readonly(statement.Handle()) == 0)
             affected += FDatabase->Changes();
         if (mark >= 0)
             RecordTables(*FDatabase, mark);
-        else if (DropsTable(step))
+        else if (kinds[i] == TStepKind::DropsTable)
             ForgetTables(*FDatabase);
     }
     return affected;
@@ -361,7 +305,8 @@ void TSqliteDriver::CopyDatabase(const QString &fileName)
 void TSqliteDriver::RunServerCommand(const TRewrittenStatement &rewritten)
 {
     if (FReadOnly)
-        throw ESqlError(QStringLiteral("连接是只读的，不能创建或删除数据库：%1").arg(rewritten.CommandDatabase));
+        throw ESqlError(
+            QStringLiteral("连接是只读的，不能创建或删除数据库：%1").arg(rewritten.CommandDatabase));
     if (FServer && rewritten.Command == TServerCommand::CreateDatabase)
         return CreateServerDatabase(rewritten.CommandDatabase);
     if (FServer && rewritten.Command == TServerCommand::DropDatabase)

@@ -6,6 +6,7 @@
 #include "platform/sql/sqlite/ConnectionRoster.h"
 #include "platform/sql/sqlite/FolderServer.h"
 #include "platform/sql/sqlite/SqliteDatabase.h"
+#include "platform/sql/sqlite/StepKind.h"
 
 namespace Korvane {
 
@@ -52,8 +53,8 @@ private:
     /// Runs all steps and returns how many rows they changed; the rows of the last statement
     /// that gives some go to the packet.
     qint64 Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows);
-    qint64 RunSteps(const TRewrittenStatement &rewritten, std::span<const TSqlParameter> parameters,
-                    TDataPacket *rows);
+    qint64 RunSteps(const TRewrittenStatement &rewritten, const QList<TStepKind> &kinds,
+                    std::span<const TSqlParameter> parameters, TDataPacket *rows);
     void RunServerCommand(const TRewrittenStatement &rewritten);
     void MakeMasterIfMissing();
     void CreateServerDatabase(const QString &name);
