@@ -24,9 +24,11 @@ struct TRegistry
     std::list<TClassInfo> Classes;
     QHash<QString, const TClassInfo *> ByName; // key in lower case
     std::unordered_map<std::type_index, const TClassInfo *> ByType;
+    quint64 Version = 0;
 
     void Remove(const TClassInfo *info)
     {
+        ++Version;
         if (ByName.value(info->Name.toLower()) == info)
             ByName.remove(info->Name.toLower());
         ByType.erase(info->Type);
@@ -85,6 +87,7 @@ void RegisterClass(TClassInfo info)
         return;
     if (known)
         registry.Remove(known);
+    ++registry.Version;
     registry.Classes.push_back(std::move(info));
     const TClassInfo *added = &registry.Classes.back();
     registry.ByName.insert(added->Name.toLower(), added);
@@ -98,6 +101,8 @@ void UnRegisterClass(std::type_index type)
     if (found != registry.ByType.end())
         registry.Remove(found->second);
 }
+
+quint64 RegistryVersion() { return Registry().Version; }
 
 QString ClassNameOf(const QMetaObject &meta)
 {

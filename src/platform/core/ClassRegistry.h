@@ -33,6 +33,9 @@ QStringList RegisteredClasses();
 
 void RegisterClass(TClassInfo info);
 void UnRegisterClass(std::type_index type);
+/// Another number after each class that comes or goes. What was worked out from a class holds
+/// as long as this stays.
+quint64 RegistryVersion();
 
 /// The name of a class without its namespace.
 QString ClassNameOf(const QMetaObject &meta);

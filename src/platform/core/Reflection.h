@@ -24,22 +24,45 @@ enum TTypeKind {
     tkVariant
 };
 
+/// The C++ type of a property that is read and written in place, without a Variant.
+enum class TPropStorage { Other, Text, Int, Int64, Double, Single, Flag, DateTime };
+
 /// One reflected property of a class, ready for use: reading and writing need no search.
-/// Valid as long as the program runs.
+/// Valid as long as the program runs. An object handed to it must be of the property's class.
 struct TPropInfo
 {
+    explicit TPropInfo(const QMetaProperty &property);
+
     QString Name;
     TTypeKind Kind;
     QMetaProperty Property;
+    TPropStorage Storage; ///< Other for all but the ordinary types
 
     /// The value as a Variant. With preferStrings a value is given as text: enumerations by
     /// name, Boolean as "True" or "False", numbers in their general form.
     QVariant Value(const TPersistent &object, bool preferStrings = true) const;
-    /// The text form of Value, made without a Variant where the property is a string.
+    /// The text form of Value, made without a Variant where Storage is not Other.
     QString Text(const TPersistent &object) const;
+    /// Adds the same to a text; of a number without an allocation.
+    void AppendText(const TPersistent &object, QString &text) const;
     /// Writes a value, converting as far as it can: texts to numbers, enumerations by name or
     /// number, NULL as 0 or the empty text. Raises EPropertyError.
     void SetValue(TPersistent &object, const QVariant &value) const;
+
+    // SetValue of one type each, for rows in bulk: no Variant where the property's own type is
+    // that one or takes it without loss, otherwise the same conversions and refusals.
+    void WriteString(TPersistent &object, const QString &value) const;
+    void WriteInt(TPersistent &object, qint64 value) const;
+    void WriteDouble(TPersistent &object, double value) const;
+    void WriteBool(TPersistent &object, bool value) const;
+
+private:
+    template <class T> T Read(const TPersistent &object) const;
+    template <class T> void Write(TPersistent &object, const T &value) const;
+
+    QMetaObject::Data::StaticMetacallFunction FAccess; // of the class that declares the property
+    int FIndex;                                        // among that class's own properties
+    bool FIsWritable;
 };
 
 /// The reflected properties of a class, inherited ones first, each in declared order.

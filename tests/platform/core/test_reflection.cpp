@@ -2,6 +2,7 @@
 #include "platform/core/ClassRegistry.h"
 #include "platform/core/DateTime.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/FormatFloat.h"
 #include "platform/core/Reflection.h"
 #include "platform/core/Variants.h"
 
@@ -39,6 +40,8 @@ class TSample : public TBase
     Q_PROPERTY(Korvane::TPersistent *Child MEMBER Child)
     Q_PROPERTY(QVariant Any MEMBER Any)
     Q_PROPERTY(QString Fixed READ Fixed)
+    Q_PROPERTY(QString Shared READ Shared WRITE SetShared)
+    Q_PROPERTY(QString Pointed READ Pointed)
 
 public:
     enum TMood { mdCalm, mdGlad, mdSad = 7 };
@@ -50,6 +53,9 @@ public:
     TMarks GetMarks() const { return Marks; }
     void SetMarks(TMarks marks) { Marks = marks; }
     QString Fixed() const { return "fixed"; }
+    const QString &Shared() const { return FShared; }
+    void SetShared(const QString &shared) { FShared = shared; }
+    const QString *Pointed() const { return &FShared; }
 
     qint16 Small = 0;
     quint8 Tiny = 0;
@@ -62,6 +68,7 @@ public:
     TMarks Marks;
     TPersistent *Child = nullptr;
     QVariant Any;
+    QString FShared = "shared";
 };
 
 /// Declares a property of its base anew.
@@ -175,7 +182,7 @@ TEST_F(Reflection, properties_stand_in_declared_order_inherited_ones_first)
 {
     EXPECT_EQ(NamesOf(GetPropList(TSample())),
               QStringList({"Text", "Whole", "Small", "Tiny", "Large", "Number", "Single", "Time", "Flag",
-                           "Mood", "Marks", "Child", "Any", "Fixed"}));
+                           "Mood", "Marks", "Child", "Any", "Fixed", "Shared", "Pointed"}));
     EXPECT_EQ(NamesOf(GetPropList(TOverriding())), QStringList({"Text", "Whole", "Extra"}));
     EXPECT_TRUE(PropIsType(TOverriding(), u"Whole", tkFloat)) << "the later declaration holds";
     EXPECT_EQ(&GetPropList(TSample()), &GetPropList(TSample::staticMetaObject)) << "made once";
@@ -255,6 +262,105 @@ TEST_F(Reflection, what_is_written_is_converted_and_reads_as_value_and_as_text)
         EXPECT_EQ(GetPropValue(object, QString(row.Name), true).toString(), row.Text) << row.Name;
         EXPECT_EQ(GetPropInfo(object, QString(row.Name)).Text(object), row.Text) << row.Name;
     }
+}
+
+TEST_F(Reflection, typed_writing_ends_as_SetValue_does)
+{
+    const char *properties[] = {"Text", "Whole", "Small", "Tiny", "Large", "Number", "Single",
+                                "Time", "Flag",  "Mood",  "Any",  "Fixed", "Child"};
+    const struct
+    {
+        QVariant Value;
+        std::function<void(const TPropInfo &, TSample &)> Write;
+    } rows[] = {
+        {"12", [](const auto &property, auto &object) { property.WriteString(object, "12"); }},
+        {"", [](const auto &property, auto &object) { property.WriteString(object, ""); }},
+        {"x", [](const auto &property, auto &object) { property.WriteString(object, "x"); }},
+        {7, [](const auto &property, auto &object) { property.WriteInt(object, 7); }},
+        {-300, [](const auto &property, auto &object) { property.WriteInt(object, -300); }},
+        {Q_INT64_C(5000000000),
+         [](const auto &property, auto &object) { property.WriteInt(object, 5000000000); }},
+        {2.5, [](const auto &property, auto &object) { property.WriteDouble(object, 2.5); }},
+        {1e30, [](const auto &property, auto &object) { property.WriteDouble(object, 1e30); }},
+        {true, [](const auto &property, auto &object) { property.WriteBool(object, true); }},
+        {false, [](const auto &property, auto &object) { property.WriteBool(object, false); }},
+    };
+    const auto outcome = [](const TPropInfo &property, const auto &write) {
+        TSample object;
+        object.Text = "before";
+        object.Whole = object.Small = object.Tiny = 99;
+        object.Large = 99;
+        object.Flag = true;
+        const QString message = MessageOf([&] { write(object); });
+        return message + QLatin1Char('|') + (property.Kind == tkClass ? QString() : property.Text(object));
+    };
+    for (const char *name : properties) {
+        const TPropInfo &property = GetPropInfo(TSample(), QString(name));
+        for (const auto &row : rows)
+            EXPECT_EQ(outcome(property, [&](TSample &object) { row.Write(property, object); }),
+                      outcome(property, [&](TSample &object) { property.SetValue(object, row.Value); }))
+                << name << " takes " << row.Value.toString().toStdString();
+    }
+}
+
+TEST_F(Reflection, numbers_read_as_FloatToStr_writes_them)
+{
+    const TPropInfo &property = GetPropInfo(TSample(), u"Number");
+    TSample object;
+    const char decimalSeparator = DefaultFormatSettings().DecimalSeparator.toLatin1();
+    for (const char separator : {'.', ','}) {
+        DefaultFormatSettings().DecimalSeparator = QLatin1Char(separator);
+        for (const double value : {0.0,
+                                   -0.0,
+                                   1.0,
+                                   -7.0,
+                                   0.1,
+                                   0.5,
+                                   -12.35,
+                                   0.001,
+                                   0.0009,
+                                   1e-7,
+                                   123456789012345.0,
+                                   1e15,
+                                   -1e15,
+                                   1e21,
+                                   1.0 / 3,
+                                   0.1 + 0.2,
+                                   1234567.891,
+                                   99999999999999.9,
+                                   999999999999999.9,
+                                   4.35,
+                                   2.675,
+                                   std::numeric_limits<double>::max(),
+                                   std::numeric_limits<double>::infinity()}) {
+            object.Number = value;
+            QString text = "x";
+            property.AppendText(object, text);
+            EXPECT_EQ(text, "x" + FloatToStr(value)) << value;
+        }
+    }
+    DefaultFormatSettings().DecimalSeparator = QLatin1Char(decimalSeparator);
+}
+
+TEST_F(Reflection, getters_that_give_a_reference_or_a_pointer)
+{
+    EXPECT_EQ(GetPropInfo(TSample(), u"Shared").Text(TSample()), "shared");
+    EXPECT_EQ(GetPropInfo(TSample(), u"Pointed").Text(TSample()), "shared");
+    TSample object;
+    GetPropInfo(object, u"Shared").WriteString(object, "new");
+    EXPECT_EQ(object.FShared, "new");
+}
+
+TEST_F(Reflection, the_registrys_version_tells_of_every_change)
+{
+    const quint64 start = RegistryVersion();
+    RegisterClass<TBase>();
+    EXPECT_EQ(RegistryVersion(), start) << "nothing changed";
+    RegisterClass<Elsewhere::TBase>();
+    const quint64 taken = RegistryVersion();
+    EXPECT_NE(taken, start);
+    UnRegisterClass<Elsewhere::TBase>();
+    EXPECT_NE(RegistryVersion(), taken);
 }
 
 TEST_F(Reflection, enumerations_go_by_name_or_number_and_read_as_name)
