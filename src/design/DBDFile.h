@@ -89,6 +89,8 @@ public:
     std::shared_ptr<TChangesObject> GetChange(int number);
     /// 0 when there are no changes.
     int GetMaxChangeNo() const;
+    /// Another number when the fields are read anew or closed, and the same for no two files.
+    quint64 FieldsReading() const { return FFields.Reading(); }
     const TTableRead &LatestTable() const { return FLatestTable; }
     const TQueryRead &LatestQuery() const { return FLatestQuery; }
 

@@ -4,10 +4,7 @@
 #include "design/AuditColumns.h"
 #include "design/ClassText.h"
 #include "design/DBDFile.h"
-#include "design/FieldValue.h"
-#include "design/WhereClause.h"
 #include "general/SessionValues.h"
-#include "platform/core/Format.h"
 #include "platform/core/StringList.h"
 #include "platform/core/Text.h"
 
@@ -20,11 +17,16 @@ void TDBDQuery::SetQuery(const QString &query)
     if (query == FQuery)
         return;
     FQuery = query;
+    FResultKeys.Clear();
+    FTableKeys.Clear();
+    for (std::optional<QString> &script : FScripts)
+        script.reset();
     FQueryObject = File().GetQuery(query);
     const TQueryRead &read = File().LatestQuery();
     FColumns = read.Columns;
     FTable = read.MainTable;
     FQueryFields = read.Fields;
+    FRowStatements.Aim(FTable, FQueryFields, WrittenColumns());
 
     FDBDTable.SetDBDFile(&File());
     FDBDTable.SetTable(FTable);
@@ -72,6 +74,14 @@ QString TDBDQuery::SetFieldProp(const QString &fields)
 
 QString TDBDQuery::GetScript(bool selection, bool audit) const
 {
+    std::optional<QString> &script = FScripts[size_t(selection) * 2 + size_t(audit)];
+    if (!script)
+        script = SelectList(selection, audit);
+    return *script;
+}
+
+QString TDBDQuery::SelectList(bool selection, bool audit) const
+{
     QStringList lines;
     if (audit)
         for (const TAuditColumn &column : AuditColumns)
@@ -94,6 +104,8 @@ QString TDBDQuery::DialectScript(const QString &text, bool selection, bool audit
     QString script = GetScript(selection, audit) + QLatin1Char('\r') + text;
     if (selection)
         script += QStringLiteral(") ZZZ");
+    if (!script.contains(u'%'))
+        return script;
     return script.replace(QStringLiteral("%USERCODE%"), AUserCode)
         .replace(QStringLiteral("%USERGROUP%"), AUserGroup)
         .replace(QStringLiteral("%ISSUPER%"), AIsSuper);
@@ -130,51 +142,62 @@ QString TDBDQuery::GetSelectSQL(TDBType type, const QString &keys, const QVarian
                                 bool selection, bool audit)
 {
     CheckQuery();
-    return QStringLiteral("select * from (") + GetQueryScript(type, selection, audit) +
-           QStringLiteral(") ZZZ where ") + GetWhereSQL(type, keys, values, option);
+    QString statement = QLatin1StringView("select * from (") + GetQueryScript(type, selection, audit) +
+                        QLatin1StringView(") ZZZ where ");
+    AppendConditions(statement, type, ResultKeys(keys), values, option);
+    return statement;
+}
+
+const QList<TConditionColumn> &TDBDQuery::ResultKeys(const QString &keys)
+{
+    return FResultKeys.Of(keys, FieldsReading(), [this](const QString &name) {
+        const auto field = GetField(name);
+        return TConditionColumn{field->FieldProp, GetDataType(field->FieldType)};
+    });
+}
+
+const QList<TConditionColumn> &TDBDQuery::TableKeys(const QString &keys)
+{
+    return FTableKeys.Of(keys, FieldsReading(), [this](const QString &name) {
+        const auto field = GetFieldCode(name);
+        return TConditionColumn{field->FieldCode, GetDataType(field->FieldType)};
+    });
+}
+
+quint64 TDBDQuery::FieldsReading() const
+{
+    const TDBDFile *file = FDBDTable.DBDFile();
+    return file ? file->FieldsReading() : 0;
 }
 
 QString TDBDQuery::GetWhereSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option)
 {
-    return WhereClause(type, keys, values, option, [this](const QString &name) {
-        const auto field = GetField(name);
-        return TConditionColumn{field->FieldProp, field->FieldType};
-    });
+    QString conditions;
+    AppendConditions(conditions, type, ResultKeys(keys), values, option);
+    return conditions;
 }
 
 QString TDBDQuery::GetTableWhere(TDBType type, const QString &keys, const QVariant &values,
                                  TOpenOption option)
 {
-    return WhereClause(type, keys, values, option, [this](const QString &name) {
-        const auto field = GetFieldCode(name);
-        return TConditionColumn{field->FieldCode, field->FieldType};
-    });
+    QString conditions;
+    AppendConditions(conditions, type, TableKeys(keys), values, option);
+    return conditions;
 }
 
-bool TDBDQuery::IsWritable(qsizetype column) const
+QList<TWrittenColumn> TDBDQuery::WrittenColumns() const
 {
-    return FColumns[column]->Expression == FColumns[column]->TableField &&
-           FQueryFields[column]->TableCode == FTable;
+    QList<TWrittenColumn> columns;
+    for (qsizetype i = 0; i < FQueryFields.size(); ++i)
+        if (FColumns[i]->Expression == FColumns[i]->TableField && FQueryFields[i]->TableCode == FTable)
+            columns.append({i, FQueryFields[i]->Remark}); // the source field's code
+    return columns;
 }
 
 QString TDBDQuery::GetInsertSQL(const TDBObject &object)
 {
     CheckQuery();
-    QString codes, values;
-    for (qsizetype i = 0; i < FQueryFields.size(); ++i) {
-        if (!IsWritable(i))
-            continue;
-        // The comma goes by the column's place, not by what was written so far.
-        if (i > 0) {
-            codes += QStringLiteral(", ");
-            values += QStringLiteral(", ");
-        }
-        const TFieldsObject &field = *FQueryFields[i];
-        codes += field.Remark; // the source field's code
-        values += GetDBFieldValue(object, field.FieldProp, field.FieldType);
-    }
-    return Format(QStringLiteral("insert into ") + FTable + QStringLiteral("(%s) values(%s)"),
-                  {codes, values});
+    return FRowStatements.InsertSQL(object);
 }
 
 QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object)
@@ -187,20 +210,7 @@ QString TDBDQuery::GetUpdateSQL(TDBType type, const TDBObject &object, const QSt
                                 const QVariant &values)
 {
     CheckQuery();
-    // NOTE: the conditions are part of the format, so that a "%" in a key value is a placeholder.
-    const QString pattern = QStringLiteral("update ") + FTable + QStringLiteral(" set %s where ") +
-                            GetTableWhere(type, keys, values, ooEqualAnd);
-    QString assignments;
-    for (qsizetype i = 0; i < FQueryFields.size(); ++i) {
-        if (!IsWritable(i))
-            continue;
-        if (i > 0)
-            assignments += QStringLiteral(", ");
-        const TFieldsObject &field = *FQueryFields[i];
-        assignments +=
-            field.Remark + QLatin1Char('=') + GetDBFieldValue(object, field.FieldCode, field.FieldType);
-    }
-    return Format(pattern, {assignments});
+    return FRowStatements.UpdateSQL(object, GetTableWhere(type, keys, values, ooEqualAnd));
 }
 
 QString TDBDQuery::GetDeleteSQL(TDBType type, const TDBObject &object)

@@ -3,6 +3,9 @@
 
 #include "design/DBDTable.h"
 
+#include <array>
+#include <optional>
+
 namespace Korvane {
 
 /// The definition of one query: a select over one or more tables with named columns and, per
@@ -43,6 +46,10 @@ public:
     /// Their property names joined by ";".
     const QString &KeyFieldStr() const { return FKeyFieldStr; }
 
+    /// The query fields bound to an object's class, found once per class and aim. Raises
+    /// EClassNotFound when the class is not registered.
+    const TRecordBinding &BindingOf(const TDBObject &object) { return FRowStatements.BindingOf(object); }
+
     /// The query field of that name, exact in case and shared with QueryFields; otherwise a new
     /// object of the main table's field.
     std::shared_ptr<TFieldsObject> GetField(const QString &name);
@@ -79,7 +86,11 @@ public:
     QString GetQueryClass() const;
 
 private:
-    bool IsWritable(qsizetype column) const;
+    QList<TWrittenColumn> WrittenColumns() const;
+    QString SelectList(bool selection, bool audit) const;
+    const QList<TConditionColumn> &ResultKeys(const QString &keys);
+    const QList<TConditionColumn> &TableKeys(const QString &keys);
+    quint64 FieldsReading() const;
     QString DialectScript(const QString &text, bool selection, bool audit) const;
 
     QString FTable;
@@ -91,6 +102,10 @@ private:
     TObjectList<TFieldsObject> FKeyFields;
     QString FKeyFieldStr;
     TDBDTable FDBDTable; // the main table
+    TRowStatements FRowStatements;
+    TKeyColumns FResultKeys;
+    TKeyColumns FTableKeys;
+    mutable std::array<std::optional<QString>, 4> FScripts; // by the flags of GetScript; made at need
 };
 
 } // namespace Korvane

@@ -3,11 +3,17 @@
 
 #include "design/ClassText.h"
 #include "design/DBDFile.h"
-#include "design/FieldValue.h"
-#include "design/WhereClause.h"
-#include "platform/core/Format.h"
 
 namespace Korvane {
+
+namespace {
+
+constexpr QLatin1StringView Select("select * from ");
+constexpr QLatin1StringView SelectWithSelection("select 'N' as FSELECTED, * from ");
+constexpr QLatin1StringView Delete("delete from ");
+constexpr QLatin1StringView Where(" where ");
+
+} // namespace
 
 TDBDTable::TDBDTable(QObject *owner) : TDBDObject(owner) {}
 
@@ -16,12 +22,17 @@ void TDBDTable::SetTable(const QString &table)
     if (table == FTable)
         return;
     FTable = table;
+    FKeyColumns.Clear();
     FTableObject = File().GetTable(table);
     const TTableRead &read = File().LatestTable();
     FTableFields = read.Fields;
     FKeyFields = read.KeyFields;
     FKeyFieldStr = read.KeyFieldStr;
     FIndexs = read.Indexs;
+    QList<TWrittenColumn> columns;
+    for (qsizetype i = 0; i < FTableFields.size(); ++i)
+        columns.append({i, FTableFields[i]->FieldCode});
+    FRowStatements.Aim(FTableObject->TableCode, FTableFields, std::move(columns));
 }
 
 void TDBDTable::CheckTable()
@@ -40,38 +51,44 @@ std::unique_ptr<TFieldsObject> TDBDTable::GetField(const QString &field)
 QString TDBDTable::GetSelectSQL(bool selection)
 {
     CheckTable();
-    return (selection ? QStringLiteral("select 'N' as FSELECTED, * from ")
-                      : QStringLiteral("select * from ")) +
-           FTableObject->TableCode;
+    return (selection ? SelectWithSelection : Select) + FTableObject->TableCode;
 }
 
 QString TDBDTable::GetSelectSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option,
                                 bool selection)
 {
-    const QString select = GetSelectSQL(selection);
-    const QString where = GetWhereSQL(type, keys, values, option);
-    return where.isEmpty() ? select : select + QStringLiteral(" where ") + where;
+    QString statement = GetSelectSQL(selection);
+    const qsizetype length = statement.size();
+    statement += Where;
+    AppendWhere(statement, type, keys, values, option);
+    if (statement.size() == length + Where.size())
+        statement.truncate(length);
+    return statement;
+}
+
+void TDBDTable::AppendWhere(QString &statement, TDBType type, const QString &keys, const QVariant &values,
+                            TOpenOption option)
+{
+    const TDBDFile *file = DBDFile();
+    const auto resolve = [this](const QString &name) {
+        const auto field = GetField(name);
+        return TConditionColumn{field->FieldCode, GetDataType(field->FieldType)};
+    };
+    AppendConditions(statement, type, FKeyColumns.Of(keys, file ? file->FieldsReading() : 0, resolve), values,
+                     option);
 }
 
 QString TDBDTable::GetWhereSQL(TDBType type, const QString &keys, const QVariant &values, TOpenOption option)
 {
-    return WhereClause(type, keys, values, option, [this](const QString &name) {
-        const auto field = GetField(name);
-        return TConditionColumn{field->FieldCode, field->FieldType};
-    });
+    QString conditions;
+    AppendWhere(conditions, type, keys, values, option);
+    return conditions;
 }
 
 QString TDBDTable::GetInsertSQL(const TDBObject &object)
 {
     CheckTable();
-    QStringList codes, values;
-    for (const auto &field : std::as_const(FTableFields)) {
-        codes.append(field->FieldCode);
-        values.append(GetDBFieldValue(object, *field));
-    }
-    return Format(QStringLiteral("insert into ") + FTableObject->TableCode +
-                      QStringLiteral("(%s) values(%s)"),
-                  {codes.join(QStringLiteral(", ")), values.join(QStringLiteral(", "))});
+    return FRowStatements.InsertSQL(object);
 }
 
 QString TDBDTable::GetUpdateSQL(TDBType type, const TDBObject &object)
@@ -83,13 +100,7 @@ QString TDBDTable::GetUpdateSQL(TDBType type, const TDBObject &object, const QSt
                                 const QVariant &values)
 {
     CheckTable();
-    // NOTE: the conditions are part of the format, so that a "%" in a key value is a placeholder.
-    const QString pattern = QStringLiteral("update ") + FTableObject->TableCode +
-                            QStringLiteral(" set %s where ") + GetWhereSQL(type, keys, values, ooEqualAnd);
-    QStringList assignments;
-    for (const auto &field : std::as_const(FTableFields))
-        assignments.append(field->FieldCode + QLatin1Char('=') + GetDBFieldValue(object, *field));
-    return Format(pattern, {assignments.join(QStringLiteral(", "))});
+    return FRowStatements.UpdateSQL(object, GetWhereSQL(type, keys, values, ooEqualAnd));
 }
 
 QString TDBDTable::GetDeleteSQL(TDBType type, const TDBObject &object)
@@ -101,16 +112,18 @@ QString TDBDTable::GetDeleteSQL(TDBType type, const TDBObject &object)
 QString TDBDTable::GetDeleteSQL(TDBType type, const TDBObject &, const QString &keys, const QVariant &values)
 {
     CheckTable();
-    return QStringLiteral("delete from ") + FTableObject->TableCode + QStringLiteral(" where ") +
-           GetWhereSQL(type, keys, values, ooEqualAnd);
+    QString statement = Delete + FTableObject->TableCode;
+    statement += Where;
+    AppendWhere(statement, type, keys, values, ooEqualAnd);
+    return statement;
 }
 
 QString TDBDTable::GetDeleteSQL(TDBType type, const QString &keys, const QVariant &values)
 {
     CheckTable();
     const QString where = GetWhereSQL(type, keys, values, ooEqualAnd);
-    const QString statement = QStringLiteral("delete from ") + FTableObject->TableCode;
-    return where.isEmpty() ? statement : statement + QStringLiteral(" where ") + where;
+    const QString statement = Delete + FTableObject->TableCode;
+    return where.isEmpty() ? statement : statement + Where + where;
 }
 
 QString TDBDTable::GetTableClass() const { return RecordClassText(FTableObject->TableClass, FTableFields); }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "design/DBDObject.h"
-#include "design/DBDObjects.h"
-#include "general/Types.h"
+#include "design/RowStatements.h"
+#include "design/WhereClause.h"
 
 namespace Korvane {
 
@@ -43,6 +43,10 @@ public:
     /// Their codes joined by ";".
     const QString &KeyFieldStr() const { return FKeyFieldStr; }
 
+    /// The fields bound to an object's class, found once per class and aim. Raises
+    /// EClassNotFound when the class is not registered.
+    const TRecordBinding &BindingOf(const TDBObject &object) { return FRowStatements.BindingOf(object); }
+
     /// A new object of the field with that code or property name.
     std::unique_ptr<TFieldsObject> GetField(const QString &field);
 
@@ -77,6 +81,8 @@ public:
     QString GetTableClass() const;
 
 private:
+    void AppendWhere(QString &statement, TDBType type, const QString &keys, const QVariant &values,
+                     TOpenOption option);
     QString TableScript(TDBType type, bool comments, bool boolAsChar, bool property);
 
     QString FTable;
@@ -85,6 +91,8 @@ private:
     TObjectList<TIndexsObject> FIndexs;
     TObjectList<TFieldsObject> FKeyFields;
     QString FKeyFieldStr;
+    TRowStatements FRowStatements;
+    TKeyColumns FKeyColumns;
 };
 
 } // namespace Korvane

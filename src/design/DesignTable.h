@@ -53,12 +53,16 @@ public:
 
     void Close()
     {
+        FReading = ++LatestReading;
         FOpen = false;
         FRows.clear();
         FGroups.clear();
         FPairs.clear();
     }
 
+    /// Another number after each Open and Close, and the same in no two tables. What was worked
+    /// out from the rows holds as long as this stays.
+    quint64 Reading() const { return FReading; }
     /// The rows in order. Raises EDatabaseError when the table is closed.
     const std::vector<Row> &Rows() const
     {
@@ -177,7 +181,10 @@ private:
         return FPairs.back();
     }
 
+    static inline quint64 LatestReading = 0;
+
     const TDesignLayout<Row> &FLayout;
+    quint64 FReading = ++LatestReading;
     bool FOpen = false;
     std::vector<Row> FRows;
     std::vector<TGroupIndex> FGroups;
