@@ -5,7 +5,11 @@
 #include "ToolOptions.h"
 
 #include "design/DBDFile.h"
+#include "design/RecordHeader.h"
 #include "platform/core/StringList.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -99,6 +103,52 @@ QString AllClassTexts(TDBDFile &design)
     return texts.join(QStringLiteral("\r\n"));
 }
 
+TRecordClass ClassOfName(TDBDFile &design, const QString &name)
+{
+    return IsQuery(design, name) ? RecordClassOf(*design.GetDBDQuery(name))
+                                 : RecordClassOf(*design.GetDBDTable(name));
+}
+
+QList<TRecordClass> AllClasses(TDBDFile &design)
+{
+    QList<TRecordClass> classes;
+    for (const auto &table : design.GetTables())
+        classes.append(RecordClassOf(*design.GetDBDTable(table->TableCode)));
+    for (const auto &query : design.GetQuerys())
+        classes.append(RecordClassOf(*design.GetDBDQuery(query->QueryCode)));
+    return classes;
+}
+
+/// Writes a file whole or not at all. One that says the same already is left alone, so that a
+/// build has nothing to do after it.
+void SaveText(const QString &fileName, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    QFile present(fileName);
+    if (present.open(QIODevice::ReadOnly) && present.readAll() == bytes)
+        return;
+    present.close();
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        throw EFileError(QStringLiteral("无法写入文件 %1：%2").arg(fileName, file.errorString()));
+}
+
+/// The record classes of the library, as a C++ header.
+void WriteHeader(TDBDFile &design, TCommandLine &line, const QStringList &names, TToolStreams &streams)
+{
+    QList<TRecordClass> classes;
+    for (const QString &name : names)
+        classes.append(ClassOfName(design, name));
+    const QString header =
+        RecordHeaderText(names.isEmpty() ? AllClasses(design) : classes,
+                         QFileInfo(design.FileName()).fileName(), line.Value(QStringLiteral("namespace")));
+    const QString output = line.Value(QStringLiteral("output"));
+    if (output.isEmpty())
+        streams.Out << header;
+    else
+        SaveText(output, header);
+}
+
 } // namespace
 
 int RunScript(TCommandLine &line, TToolStreams &streams)
@@ -154,12 +204,23 @@ int RunClass(TCommandLine &line, TToolStreams &streams)
 {
     const QString fileName = DesignFileName(line);
     const bool all = line.Has(QStringLiteral("all"));
-    const QString name = all ? QString() : line.Take(QStringLiteral("NAME"));
+    const bool cpp = line.Has(QStringLiteral("cpp"));
+    for (const QString &option : {QStringLiteral("output"), QStringLiteral("namespace")})
+        if (!cpp && line.Has(option))
+            throw EUsageError(QStringLiteral("选项 --%1 只能与 --cpp 一起用").arg(option));
+    QStringList names;
+    if (!cpp && !all)
+        names.append(line.Take(QStringLiteral("NAME")));
+    while (cpp && !all && line.HasArgument())
+        names.append(line.Take(QStringLiteral("NAME")));
     line.CheckEnd();
     TDBDFile design;
     OpenDesign(design, fileName);
 
-    streams.Out << (all ? AllClassTexts(design) : ClassText(design, name));
+    if (cpp)
+        WriteHeader(design, line, names, streams);
+    else
+        streams.Out << (all ? AllClassTexts(design) : ClassText(design, names.first()));
     return tsDone;
 }
 

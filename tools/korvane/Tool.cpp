@@ -75,9 +75,17 @@ const QList<TCommand> &Commands()
                  {QStringLiteral("file"), QStringLiteral("FILE"), QStringLiteral("执行该文件中的脚本")},
                  Flag(QStringLiteral("csv"), QStringLiteral("查询的结果以 CSV 输出"))},
          RunSql},
-        {QStringLiteral("class"), QStringLiteral("DESIGN NAME | --all"),
-         QStringLiteral("输出表或查询的记录类"), QStringLiteral("NAME 为表或查询的代码或类名。"),
-         DesignOptions() + QList<TOption>{Flag(QStringLiteral("all"), QStringLiteral("全部表和查询"))},
+        {QStringLiteral("class"), QStringLiteral("DESIGN NAME | --all | --cpp [NAME…]"),
+         QStringLiteral("输出表或查询的记录类"),
+         QStringLiteral("NAME 为表或查询的代码或类名。选项 --cpp 输出本系统的 C++ 头文件，"
+                        "没有 NAME 时为全部表和查询。"),
+         DesignOptions() +
+             QList<TOption>{Flag(QStringLiteral("all"), QStringLiteral("全部表和查询")),
+                            Flag(QStringLiteral("cpp"), QStringLiteral("输出 C++ 头文件，类自行登记")),
+                            {QStringLiteral("output"), QStringLiteral("FILE"),
+                             QStringLiteral("写入文件，代替标准输出；内容相同则不动")},
+                            {QStringLiteral("namespace"), QStringLiteral("NS"),
+                             QStringLiteral("类所在的名字空间，例如 Orders::Records")}},
          RunClass},
     };
     return commands;

@@ -2,6 +2,8 @@
 // What the README shows, as an outside project does it with the installed library:
 //
 //     consumer DESIGN-FILE DATABASE-FILE
+#include "OrdersRecords.h" // generated from the design
+
 #include <Korvane/DBDFile.h>
 #include <Korvane/DBSession.h>
 #include <Korvane/Korvane.h>
@@ -26,13 +28,20 @@ int Run(const QString &designFile, const QString &databaseFile)
 
     session.SetConnected(true);
     Korvane::TDBDTable *unit = design.GetDBDTable("UNIT");
-    session.Execute("insert into UNIT(UNITCODE, UNITNAME) values('KG', '公斤')", nullptr);
+    TUnit kilogram;
+    kilogram.UnitCode = "KG";
+    kilogram.UnitName = "公斤";
+    session.Execute(unit->GetInsertSQL(kilogram), nullptr);
     const Korvane::TDataPacket rows =
         session.Open(unit->GetSelectSQL(Korvane::dbtAccess, "UNITCODE", "KG", Korvane::ooEqualAnd, false));
 
     std::printf("%s: %s\n", qUtf8Printable(Korvane::GetDBTypeName(session.DBType())),
                 qUtf8Printable(rows.Text(rows.IndexOf(u"UNITNAME"), 0)));
-    return rows.RowCount() == 1 ? 0 : 1;
+
+    const auto view = Korvane::FindClass("TUnitView").Create();
+    const QStringList columns = dynamic_cast<const Korvane::TDBObject &>(*view).GetClassProperties();
+    std::printf("TUnitView: %s\n", qUtf8Printable(columns.join(u' ')));
+    return rows.RowCount() == 1 && columns.contains(u"UnitCode") ? 0 : 1;
 }
 
 } // namespace
