@@ -32,6 +32,29 @@ void LogError(const QString &text)
     }
 }
 
+/// The date and time that a text is in the form "yyyy-mm-dd hh:mm:ss.zzz"; nothing for any
+/// other text.
+std::optional<TDateTime> ParseClock(std::string_view text)
+{
+    constexpr std::string_view form = "0000-00-00 00:00:00.000";
+    if (text.size() != form.size())
+        return std::nullopt;
+    for (size_t i = 0; i < form.size(); ++i)
+        if (form[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != form[i])
+            return std::nullopt;
+    const auto number = [text](size_t at, size_t digits) {
+        int value = 0;
+        for (size_t i = at; i < at + digits; ++i)
+            value = value * 10 + (text[i] - '0');
+        return value;
+    };
+    const QDate date(number(0, 4), number(5, 2), number(8, 2));
+    const QTime time(number(11, 2), number(14, 2), number(17, 2), number(20, 3));
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return TDateTime(date, time);
+}
+
 QString LineText(const QString &line) { return TextOf({line}); }
 
 } // namespace
@@ -309,8 +332,16 @@ void TDBSession::SetVersion(int version)
 
 TDateTime TDBSession::GetDateTime()
 {
-    OpenQuery(FDBType == dbtMSSQL ? QStringLiteral("select getdate()") : QStringLiteral("select now()"));
-    return VarToDateTime(FirstValue());
+    const TDataPacket clock = FConnection.Query(FDBType == dbtMSSQL ? QStringLiteral("select getdate()")
+                                                                    : QStringLiteral("select now()"));
+    if (clock.RowCount() == 0)
+        return {};
+    // Every saved row asks: the form of the embedded engine goes the short way.
+    const TPacketColumn &column = clock.Column(0);
+    if (column.Kind() == TColumnKind::Text)
+        if (const auto moment = ParseClock(column.Bytes(0)))
+            return *moment;
+    return VarToDateTime(clock.Value(0, 0));
 }
 
 QString TDBSession::GetDateTimeStr()

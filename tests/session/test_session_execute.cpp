@@ -193,6 +193,33 @@ TEST_F(ScriptedSession, each_clock_text_asks_once)
     EXPECT_EQ(FServer.Told, (QStringList(3, u"select getdate()"_s)));
 }
 
+TEST_F(ScriptedSession, the_clock_is_understood_in_the_form_of_any_server)
+{
+    const TDateTime moment(QDate(2024, 1, 31), QTime(8, 5, 9));
+    const struct
+    {
+        TPacketField Field;
+        QList<QVariantList> Rows;
+        TDateTime Read;
+    } rows[] = {
+        {{u"A"_s, ftString, 30}, {{u"2024-01-31 08:05:09.070"_s}}, moment + 0.07 / 86400},
+        {{u"A"_s, ftString, 30}, {{u"2024-01-31 08:05:09"_s}}, moment},
+        {{u"A"_s, ftString, 30}, {{u" 2024-01-31T08:05:09"_s}}, moment},
+        {{u"A"_s, ftDateTime}, {{moment.Days()}}, moment},
+        {{u"A"_s, ftString, 30}, {{QVariant()}}, {}},
+        {{u"A"_s, ftString, 30}, {}, {}},
+    };
+    for (const auto &row : rows) {
+        FServer.Answer = PacketOf({row.Field}, row.Rows);
+        EXPECT_EQ(FSession.GetDateTime().ToQDateTime(), row.Read.ToQDateTime())
+            << TextOf(FServer.Answer).toStdString();
+    }
+    for (const QString &text : {u"2024-02-30 08:05:09.070"_s, u"2024-01-31 08:65:09.070"_s, u"x"_s}) {
+        FServer.Answer = PacketOf({{u"A"_s, ftString, 30}}, {{text}});
+        EXPECT_THROW(FSession.GetDateTime(), Exception) << text.toStdString();
+    }
+}
+
 TEST_P(SessionExecute, tells_the_rows_affected)
 {
     FSession.Execute(u"create table T(A int)"_s);

@@ -2,6 +2,7 @@
 #include "platform/sql/DriverRegistry.h"
 
 #include "platform/sql/SqlError.h"
+#include "support/FailingDriver.h"
 #include "support/Packets.h"
 #include "support/ScriptedDriver.h"
 #include "support/TestDatabase.h"
@@ -58,4 +59,26 @@ TEST(DriverRegistry, a_driver_that_makes_no_databases_says_so)
               u"EDatabaseError: 此驱动程序不能删除数据库：scripted"_s);
     EXPECT_EQ(RaisedBy([&] { CreateDriver(TConnectionString(text))->CopyDatabase(u"a.db"_s); }),
               u"EDatabaseError: 此驱动程序不能复制数据库：a.db"_s);
+}
+
+TEST(FailingServer, stands_before_the_real_drivers_and_fails_as_told)
+{
+    for (const TSqlDialect dialect : BothDialects) {
+        const TestDatabase database(dialect);
+        FailingServer server;
+        const auto connection = database.Connect();
+        RunAll(*connection, {u"create table T(A int)"_s});
+        server.Ran.clear();
+        server.FailAt(2, u"断线"_s);
+        connection->BeginTrans();
+        connection->Execute(u"insert into T values(1)"_s);
+        EXPECT_EQ(FailureOf(*connection, u"insert into T values(2)"_s), u"断线"_s);
+        EXPECT_EQ(Rows(*connection, u"select A from T"_s), u"1"_s);
+        connection->CommitTrans();
+        server.FailAt(1);
+        EXPECT_THROW(connection->Query(u"select A from T"_s), ESqlError);
+        EXPECT_EQ(server.Ran,
+                  (QStringList{u"begin"_s, u"insert into T values(1)"_s, u"select A from T"_s, u"commit"_s}));
+        EXPECT_EQ(server.Failed, (QStringList{u"insert into T values(2)"_s, u"select A from T"_s}));
+    }
 }

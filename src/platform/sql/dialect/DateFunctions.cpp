@@ -6,6 +6,7 @@
 #include <QUuid>
 
 #include <cmath>
+#include <ctime>
 
 using namespace Qt::StringLiterals;
 
@@ -233,14 +234,27 @@ void Day(TSqlCall &call)
         SetMoment(call, {moment->DateOrFirst(), QTime()});
 }
 
-void NowText(TSqlCall &call)
+/// "yyyy-mm-dd hh:mm:ss.zzz" of this moment. Every saved row asks for it: it is put together
+/// without a QDateTime.
+template <auto Decode> void PresentMoment(TSqlCall &call)
 {
-    call.SetText(QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s));
-}
-
-void UtcNow(TSqlCall &call)
-{
-    call.SetText(QDateTime::currentDateTimeUtc().toString(u"yyyy-MM-dd HH:mm:ss.zzz"_s));
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    tm parts;
+    Decode(&now.tv_sec, &parts);
+    char text[] = "yyyy-mm-dd hh:mm:ss.zzz";
+    const auto put = [&text](size_t at, size_t digits, int number) {
+        for (; digits > 0; number /= 10)
+            text[at + --digits] = char('0' + number % 10);
+    };
+    put(0, 4, parts.tm_year + 1900);
+    put(5, 2, parts.tm_mon + 1);
+    put(8, 2, parts.tm_mday);
+    put(11, 2, parts.tm_hour);
+    put(14, 2, parts.tm_min);
+    put(17, 2, parts.tm_sec);
+    put(20, 3, int(now.tv_nsec / 1'000'000));
+    call.SetText(std::string_view(text));
 }
 
 void Today(TSqlCall &call) { call.SetText(QDate::currentDate().toString(u"yyyy-MM-dd"_s)); }
@@ -250,8 +264,8 @@ void TimeText(TSqlCall &call) { call.SetText(QTime::currentTime().toString(u"HH:
 void NewId(TSqlCall &call) { call.SetText(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper()); }
 
 constexpr TSqlFunction Functions[] = {
-    {"korvane_now", 0, 0, false, &NowText},
-    {"korvane_utcnow", 0, 0, false, &UtcNow},
+    {"korvane_now", 0, 0, false, &PresentMoment<&localtime_r>},
+    {"korvane_utcnow", 0, 0, false, &PresentMoment<&gmtime_r>},
     {"korvane_date", 0, 0, false, &Today},
     {"korvane_time", 0, 0, false, &TimeText},
     {"korvane_newid", 0, 0, false, &NewId},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/dialect/SqlTokenizer.h"
 
+#include "platform/sql/QuotedText.h"
+
 #include <string_view>
 #include <unordered_set>
 
@@ -87,14 +89,13 @@ private:
     {
         for (; FAt < FText.size(); ++FAt) {
             const QChar c = FText[FAt];
-            if (c == u'-' && Peek(1) == u'-') {
-                while (FAt + 1 < FText.size() && FText[FAt + 1] != u'\n' && FText[FAt + 1] != u'\r')
-                    ++FAt;
-            } else if (c == u'/' && Peek(1) == u'*') {
-                const qsizetype end = FText.indexOf(u"*/", FAt + 2);
+            if (c == u'-' || c == u'/') {
+                const qsizetype end = CommentEnd(FText, FAt);
                 if (end < 0)
                     Fail(u"注释没有结束"_s, FAt);
-                FAt = end + 1;
+                if (end == FAt)
+                    return;
+                FAt = end - 1;
             } else if (!IsBlank(c) || c == u'\0') {
                 return;
             }
@@ -137,19 +138,15 @@ private:
     TSqlTokenKind Quoted(QChar closing, const QString &fault, TSqlTokenKind kind)
     {
         const qsizetype start = FAt;
-        for (++FAt; FAt < FText.size(); ++FAt) {
-            if (FText[FAt] == u'\0')
-                Fail(u"语句含有空字符"_s, FAt);
-            if (FText[FAt] != closing)
-                continue;
-            if (Peek(1) == closing && kind != TSqlTokenKind::Date) {
-                ++FAt;
-                continue;
-            }
-            ++FAt;
-            return kind;
-        }
-        Fail(fault, start);
+        const qsizetype end = kind == TSqlTokenKind::Date ? FText.indexOf(closing, FAt + 1) + 1
+                                                          : QuotedEnd(FText, FAt, closing);
+        const QStringView piece = FText.mid(start, end > 0 ? end - start : -1);
+        if (const qsizetype null = piece.indexOf(u'\0'); null >= 0)
+            Fail(u"语句含有空字符"_s, start + null);
+        if (end <= 0)
+            Fail(fault, start);
+        FAt = end;
+        return kind;
     }
 
     TSqlTokenKind Number()

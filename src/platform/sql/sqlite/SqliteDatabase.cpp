@@ -71,11 +71,23 @@ TSqliteStatement::TSqliteStatement(TSqliteDatabase &database, const QByteArray &
 {
     const char *tail = nullptr;
     const QByteArray text = sql; // rest may be the same object
-    if (sqlite3_prepare_v2(database.Handle(), text.constData(), int(text.size()), &FStatement, &tail) !=
-        SQLITE_OK)
-        database.Fail();
+    Prepare(text, TStatementUse::Once, &tail);
     if (rest)
         *rest = text.mid(tail - text.constData());
+}
+
+TSqliteStatement::TSqliteStatement(TSqliteDatabase &database, const QByteArray &sql, TStatementUse use)
+    : FDatabase(database)
+{
+    Prepare(sql, use, nullptr);
+}
+
+void TSqliteStatement::Prepare(const QByteArray &sql, TStatementUse use, const char **tail)
+{
+    const unsigned flags = use == TStatementUse::Often ? SQLITE_PREPARE_PERSISTENT : 0;
+    if (sqlite3_prepare_v3(FDatabase.Handle(), sql.constData(), int(sql.size()), flags, &FStatement, tail) !=
+        SQLITE_OK)
+        FDatabase.Fail();
 }
 
 TSqliteStatement::~TSqliteStatement() { sqlite3_finalize(FStatement); }
@@ -88,6 +100,13 @@ void TSqliteStatement::BindText(int index, std::string_view utf8)
 {
     if (sqlite3_bind_text64(FStatement, index, utf8.data() ? utf8.data() : "", utf8.size(), SQLITE_TRANSIENT,
                             SQLITE_UTF8) != SQLITE_OK)
+        FDatabase.Fail();
+}
+
+void TSqliteStatement::BindLastingText(int index, std::string_view utf8)
+{
+    if (sqlite3_bind_text64(FStatement, index, utf8.data(), utf8.size(), SQLITE_STATIC, SQLITE_UTF8) !=
+        SQLITE_OK)
         FDatabase.Fail();
 }
 
@@ -242,29 +261,46 @@ QString UniqueName(QString name, QSet<QString> &taken)
 
 } // namespace
 
-TDataPacket TSqliteStatement::ReadAll()
+/// The fields of the result. NOTE: to be asked for when a step has been made: the step may prepare
+/// the statement anew because the schema has changed.
+const QList<TPacketField> &TSqliteStatement::Fields()
 {
-    const int columns = ColumnCount();
-    QList<TPacketField> fields;
+    const int preparations = sqlite3_stmt_status(FStatement, SQLITE_STMTSTATUS_REPREPARE, 0);
+    if (preparations == FPreparations)
+        return FFields;
+    FFields.clear();
     QSet<QString> taken;
-    for (int i = 0; i < columns; ++i) {
+    for (int i = 0; i < ColumnCount(); ++i) {
         TPacketField field = DeclaredField(sqlite3_column_decltype(FStatement, i));
         field.Name = UniqueName(QString::fromUtf8(sqlite3_column_name(FStatement, i)), taken);
-        fields.append(field);
+        FFields.append(field);
     }
-    TDataPacketBuilder builder(std::move(fields));
-    while (Step()) {
+    FPreparations = preparations;
+    return FFields;
+}
+
+TDataPacket TSqliteStatement::ReadAll()
+{
+    bool hasRow = Step();
+    TDataPacketBuilder builder(Fields());
+    const int columns = builder.FieldCount();
+    for (; hasRow; hasRow = Step()) {
         for (int i = 0; i < columns; ++i) {
-            switch (sqlite3_column_type(FStatement, i)) {
+            // NOTE: the connection has no mutex and one thread, so that the engine makes no
+            // difference between protected and unprotected values (sqlite.org/c3ref/value.html).
+            sqlite3_value *const value = sqlite3_column_value(FStatement, i);
+            switch (sqlite3_value_type(value)) {
             case SQLITE_INTEGER:
-                builder.AppendInt(i, sqlite3_column_int64(FStatement, i));
+                builder.AppendInt(i, sqlite3_value_int64(value));
                 break;
             case SQLITE_FLOAT:
-                builder.AppendDouble(i, sqlite3_column_double(FStatement, i));
+                builder.AppendDouble(i, sqlite3_value_double(value));
                 break;
-            case SQLITE_TEXT:
-                builder.AppendText(i, Text(i));
+            case SQLITE_TEXT: {
+                const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(value));
+                builder.AppendText(i, {text ? text : "", size_t(text ? sqlite3_value_bytes(value) : 0)});
                 break;
+            }
             case SQLITE_BLOB:
                 builder.AppendBlob(i, Blob(i));
                 break;

@@ -16,6 +16,9 @@ namespace Korvane {
 
 class TSqliteDatabase;
 
+/// Whether a statement is prepared to run once or to be kept.
+enum class TStatementUse { Once, Often };
+
 /// A prepared statement of the engine, in the engine's own language. Finalised with the
 /// object; must not outlive its database.
 class TSqliteStatement
@@ -23,6 +26,7 @@ class TSqliteStatement
 public:
     /// Prepares the first statement of the text. rest, if given, gets what stands behind it.
     TSqliteStatement(TSqliteDatabase &database, const QByteArray &sql, QByteArray *rest = nullptr);
+    TSqliteStatement(TSqliteDatabase &database, const QByteArray &sql, TStatementUse use);
     ~TSqliteStatement();
     TSqliteStatement(const TSqliteStatement &) = delete;
     TSqliteStatement &operator=(const TSqliteStatement &) = delete;
@@ -36,6 +40,8 @@ public:
     void BindInt(int index, qint64 value);
     void BindDouble(int index, double value);
     void BindText(int index, std::string_view utf8);
+    /// The same without a copy: the text must last until the statement is reset.
+    void BindLastingText(int index, std::string_view utf8);
     void BindBlob(int index, std::string_view bytes);
     /// Binds by name; a parameter that the statement does not have is ignored.
     void Bind(std::span<const TSqlParameter> parameters);
@@ -57,8 +63,13 @@ public:
     TDataPacket ReadAll();
 
 private:
+    void Prepare(const QByteArray &sql, TStatementUse use, const char **tail);
+    const QList<TPacketField> &Fields();
+
     TSqliteDatabase &FDatabase;
     sqlite3_stmt *FStatement = nullptr;
+    QList<TPacketField> FFields; // of the result, as of FPreparations
+    int FPreparations = -1;
 };
 
 enum class TSqliteOpen { ReadOnly, ReadWrite, Create, Memory };

@@ -24,6 +24,12 @@ void SessionNumberFunction(sqlite3_context *context, int, sqlite3_value **)
     sqlite3_result_int(context, static_cast<TSqliteDriver *>(sqlite3_user_data(context))->SessionNumber());
 }
 
+bool KeepsSchema(TStepKind kind)
+{
+    return kind == TStepKind::Selects || kind == TStepKind::ChangesRows ||
+           kind == TStepKind::ControlsTransaction;
+}
+
 /// Does several steps as a whole: undoes them all unless they are completed. Outside of a
 /// transaction it is one of its own that takes the write lock at once, so that another
 /// writer is waited for at the start and not in the middle, where the engine could only refuse.
@@ -68,7 +74,10 @@ private:
 
 } // namespace
 
-TSqliteDriver::TSqliteDriver(TSqlDialect dialect) : FDialect(dialect) {}
+TSqliteDriver::TSqliteDriver(TSqlDialect dialect, TStatementReuse reuse)
+    : FDialect(dialect), FReuse(reuse), FStatements(dialect)
+{
+}
 
 TSqliteDriver::~TSqliteDriver() { TSqliteDriver::Disconnect(); }
 
@@ -155,6 +164,7 @@ void TSqliteDriver::Configure()
 
 void TSqliteDriver::Disconnect()
 {
+    FStatements.Clear();
     FDatabase.reset();
     FRoster.reset();
     FServer.reset();
@@ -185,6 +195,8 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
                           TDataPacket *rows)
 {
     TSqliteDatabase &database = Database();
+    if (const TReadyStatement ready = FStatements.Find(statement, parameters))
+        return RunReady(*ready, rows);
     const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
     if (rewritten.Command != TServerCommand::None) {
         RunServerCommand(rewritten);
@@ -197,8 +209,16 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
     const bool changesTable = kinds.contains(TStepKind::ChangesTable);
     const bool single = kinds.size() <= 1 && !changesTable && !kinds.contains(TStepKind::MakesTable) &&
                         !kinds.contains(TStepKind::DropsTable);
-    if (single || kinds.contains(TStepKind::ControlsTransaction))
-        return RunSteps(rewritten, kinds, parameters, rows);
+    // NOTE: the engine itself prepares anew what a change of the schema concerns. That none is kept
+    // across a change of this connection's own saves it from doing so one by one.
+    if (!std::all_of(kinds.begin(), kinds.end(), KeepsSchema))
+        FStatements.Clear();
+    if (single || kinds.contains(TStepKind::ControlsTransaction)) {
+        const qint64 affected = RunSteps(rewritten, kinds, parameters, rows);
+        if (FReuse == TStatementReuse::On && single)
+            FStatements.Learn(database, statement);
+        return affected;
+    }
 
     // What one text asks for is done as a whole or not at all.
     const TForeignKeyPause pause(database, changesTable);
@@ -207,6 +227,16 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
     const qint64 affected = RunSteps(rewritten, kinds, parameters, rows);
     whole.Complete();
     return affected;
+}
+
+qint64 TSqliteDriver::RunReady(TPreparedForm &form, TDataPacket *rows)
+{
+    if (rows && form.Statement.ColumnCount() > 0)
+        *rows = form.Statement.ReadAll();
+    else
+        while (form.Statement.Step()) {
+        }
+    return form.ChangesRows ? FDatabase->Changes() : 0;
 }
 
 qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, const QList<TStepKind> &kinds,

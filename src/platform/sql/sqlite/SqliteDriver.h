@@ -6,9 +6,13 @@
 #include "platform/sql/sqlite/ConnectionRoster.h"
 #include "platform/sql/sqlite/FolderServer.h"
 #include "platform/sql/sqlite/SqliteDatabase.h"
+#include "platform/sql/sqlite/StatementCache.h"
 #include "platform/sql/sqlite/StepKind.h"
 
 namespace Korvane {
+
+/// Whether prepared statements serve other statements that differ in their literals only.
+enum class TStatementReuse { Off, On };
 
 /// The embedded engine, for both dialects. In the Access dialect the data source is a
 /// database file; in the MSSQL dialect it is a folder ("folder:PATH", see TFolderServer) and
@@ -20,7 +24,7 @@ namespace Korvane {
 class TSqliteDriver : public SqlDriver
 {
 public:
-    explicit TSqliteDriver(TSqlDialect dialect);
+    explicit TSqliteDriver(TSqlDialect dialect, TStatementReuse reuse = TStatementReuse::On);
     ~TSqliteDriver() override;
 
     bool HasFeature(TSqlFeature feature) const override;
@@ -53,6 +57,7 @@ private:
     /// Runs all steps and returns how many rows they changed; the rows of the last statement
     /// that gives some go to the packet.
     qint64 Run(const QString &statement, std::span<const TSqlParameter> parameters, TDataPacket *rows);
+    qint64 RunReady(TPreparedForm &form, TDataPacket *rows);
     qint64 RunSteps(const TRewrittenStatement &rewritten, const QList<TStepKind> &kinds,
                     std::span<const TSqlParameter> parameters, TDataPacket *rows);
     void RunServerCommand(const TRewrittenStatement &rewritten);
@@ -62,11 +67,13 @@ private:
     QString RosterFileOf(const QString &fileName) const;
 
     const TSqlDialect FDialect;
+    const TStatementReuse FReuse;
     std::optional<TFolderServer> FServer; // MSSQL dialect only
     std::unique_ptr<TConnectionRoster> FRoster;
     QByteArray FMainName; // the engine keeps the pointer, so that it stands before the database
     std::unique_ptr<TSqliteDatabase> FDatabase;
-    QString FPassword; // for databases made over this connection
+    TStatementCache FStatements; // goes before the database
+    QString FPassword;           // for databases made over this connection
     bool FReadOnly = false;
 };
 
