@@ -46,6 +46,17 @@ QString RowText(const TDataPacket &packet, qsizetype row)
     return cells.join(u'|');
 }
 
+QString MarkText(const TDataPacket &packet, qsizetype row)
+{
+    static const char *const names[] = {"unmodified", "modified", "inserted", "deleted"};
+    const QString name = QString::fromLatin1(names[packet.UpdateStatus(row)]);
+    if (packet.Content() == TPacketContent::Delta)
+        return name + QStringLiteral(": ");
+    const quint32 record = packet.LoggedRecord(row);
+    return QStringLiteral("%1 %2: ").arg(name).arg(
+        record == TDataPacket::NoRecord ? packet.InsertionPlace(row) : record);
+}
+
 QString FieldText(const TPacketField &field)
 {
     QString text = field.Name + u':' + NameOf(field.Type);
@@ -79,8 +90,12 @@ QString TextOf(const TDataPacket &packet)
     for (const TPacketField &field : packet.Fields())
         fields += FieldText(field);
     QString text = fields.join(u'|') + u'\n';
-    for (qsizetype row = 0; row < packet.RowCount(); ++row)
+    for (qsizetype row = 0; row < packet.LogBegin(); ++row)
         text += RowText(packet, row) + u'\n';
+    if (packet.Content() != TPacketContent::Rows)
+        text += packet.Content() == TPacketContent::Delta ? u"-- delta\n" : u"-- log\n";
+    for (qsizetype row = packet.LogBegin(); row < packet.RowCount(); ++row)
+        text += MarkText(packet, row) + RowText(packet, row) + u'\n';
     return text;
 }
 

@@ -21,6 +21,13 @@ TDataPacket PacketOf(const QList<TPacketField> &fields, const QList<QVariantList
 ///     CODE:string(10)|QTY:integer
 ///     A1|5
 ///     A2|~
+///
+/// A log stands behind a line of its own, each entry with its mark and, where it goes with its
+/// records, the number of the row that it changes or the place of the insertion:
+///
+///     -- log
+///     modified 0: A1|6
+///     inserted 2: A3|7
 QString TextOf(const TDataPacket &packet);
 
 /// The packet's rows alone, some of them by number.

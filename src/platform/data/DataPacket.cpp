@@ -151,9 +151,37 @@ QString TDataPacket::Text(int field, qsizetype row) const
     return Decoded(column.Bytes(row));
 }
 
+TPacketContent TDataPacket::Content() const { return FTable->Marks.Content; }
+
+qsizetype TDataPacket::LogBegin() const
+{
+    return Content() == TPacketContent::Rows ? RowCount() : FTable->Marks.Begin;
+}
+
+TUpdateStatus TDataPacket::UpdateStatus(qsizetype row) const
+{
+    const qsizetype begin = LogBegin();
+    return row < begin ? usUnmodified : TUpdateStatus(FTable->Marks.Statuses[size_t(row - begin)]);
+}
+
+quint32 TDataPacket::LoggedRecord(qsizetype row) const
+{
+    const bool isLogged = Content() == TPacketContent::RowsAndLog && row >= LogBegin();
+    return isLogged && UpdateStatus(row) != usInserted ? FTable->Marks.Records[size_t(row - LogBegin())]
+                                                       : NoRecord;
+}
+
+quint32 TDataPacket::InsertionPlace(qsizetype row) const
+{
+    const bool isLogged = Content() == TPacketContent::RowsAndLog && row >= LogBegin();
+    return isLogged && UpdateStatus(row) == usInserted ? FTable->Marks.Records[size_t(row - LogBegin())]
+                                                       : NoRecord;
+}
+
 qsizetype TDataPacket::MemoryUsage() const
 {
-    qsizetype usage = qsizetype(sizeof(TTable));
+    const TPacketMarks &marks = FTable->Marks;
+    qsizetype usage = qsizetype(sizeof(TTable) + marks.Statuses.MemoryUsage() + marks.Records.MemoryUsage());
     for (const TPacketColumn &column : FTable->Columns)
         usage += column.MemoryUsage();
     for (const TPacketField &field : FTable->Fields)
@@ -169,6 +197,7 @@ void TDataPacket::Validate() const
         throw EDatabaseError(QStringLiteral("数据包已损坏：行数 %1 无效").arg(FTable->RowCount));
     for (int i = 0; i < FieldCount(); ++i)
         TPacketValidator(Field(i), Column(i), RowCount()).CheckShape();
+    CheckMarkShape(FTable->Marks, RowCount());
 }
 
 void TDataPacket::ValidateFull() const
@@ -176,6 +205,7 @@ void TDataPacket::ValidateFull() const
     Validate();
     for (int i = 0; i < FieldCount(); ++i)
         TPacketValidator(Field(i), Column(i), RowCount()).CheckCells();
+    CheckMarks(FTable->Marks);
 }
 
 } // namespace Korvane

@@ -15,6 +15,8 @@
 
 namespace Korvane {
 
+class TRowReader;
+
 /// How the values of a column stand in memory.
 enum class TColumnKind : quint8 { Int32, Int64, Double, Text, Blob };
 
@@ -78,13 +80,37 @@ private:
     TPodBuffer<quint64> FNulls; // a bit per row, set for NULL; empty when there is none
 };
 
+/// What the rows of a packet are.
+enum class TPacketContent : quint8 {
+    Rows,       ///< records as they are
+    RowsAndLog, ///< records as they are stored, and behind them the log of their changes
+    Delta       ///< a log of changes alone, to be walked
+};
+
+/// What a packet says of its last rows: those of a log.
+struct TPacketMarks
+{
+    TPacketContent Content = TPacketContent::Rows;
+    qsizetype Begin = 0;         ///< the first marked row
+    TPodBuffer<quint8> Statuses; ///< each marked row's TUpdateStatus
+    TPodBuffer<quint32> Records; ///< with RowsAndLog each marked row's record or place, else empty
+};
+
 /// An immutable table in memory: what a query returns and a dataset is loaded from. A cheap
 /// handle; copies share the table. A default-made packet has no fields and no rows. A packet
 /// without fields has no rows either, and none has more than MaxRowCount.
+///
+/// A packet may carry a log of changes in its last rows. With TPacketContent::RowsAndLog the
+/// rows below LogBegin() are the stored records in natural order, deleted ones among them. The
+/// rows from there on are the log in its order, one row for each record that has changed: its
+/// present values for a modification and an insertion, anything for a deletion. With
+/// TPacketContent::Delta every row is marked: a row marked usUnmodified holds the stored values
+/// of the modification in the next row, which is marked usModified.
 class TDataPacket
 {
 public:
     static constexpr qsizetype MaxRowCount = 0xFFFFFFFE;
+    static constexpr quint32 NoRecord = 0xFFFFFFFF;
 
     TDataPacket();
 
@@ -103,14 +129,26 @@ public:
     /// A text cell decoded; a number in its general form; empty for NULL.
     QString Text(int field, qsizetype row) const;
 
+    TPacketContent Content() const;
+    /// The first row of the log; RowCount() if there is none.
+    qsizetype LogBegin() const;
+    /// What a row of the log is; usUnmodified for the rows below LogBegin().
+    TUpdateStatus UpdateStatus(qsizetype row) const;
+    /// The row below LogBegin() that an entry of the log changes; NoRecord for an insertion, and
+    /// for rows that are no entry of a log that goes with its records.
+    quint32 LoggedRecord(qsizetype row) const;
+    /// For an insertion in a log that goes with its records: its place in the natural order of
+    /// the stored and the inserted records together. NoRecord for all other rows.
+    quint32 InsertionPlace(qsizetype row) const;
+
     /// Bytes held in memory.
     qsizetype MemoryUsage() const;
 
-    /// Checks that the columns fit each other in length and kind. Cheap: no cell is read.
-    /// Raises EDatabaseError.
+    /// Checks that the columns and marks fit each other in length and kind. Cheap: no cell is
+    /// read. Raises EDatabaseError.
     void Validate() const;
-    /// Validate, and every offset, every text's UTF-8, and that each NULL's value is 0 or
-    /// empty. Linear in the size.
+    /// Validate, and every offset, every text's UTF-8, every mark, and that each NULL's value
+    /// is 0 or empty. Linear in the size.
     void ValidateFull() const;
 
     /// Writes the packet in its versioned binary form (docs/data-packet.md). The file
@@ -126,10 +164,12 @@ public:
 private:
     friend class TDataPacketBuilder;
     friend class TPacketReader;
+    friend class TPacketWriter;
     struct TTable
     {
         QList<TPacketField> Fields;
         std::vector<TPacketColumn> Columns;
+        TPacketMarks Marks;
         qsizetype RowCount = 0;
     };
     explicit TDataPacket(std::shared_ptr<const TTable> table);
@@ -204,9 +244,24 @@ public:
         ++FRowCount;
     }
 
+    /// Gives a field the value that another row has in the column of the same number; that
+    /// column must be of the field's kind.
+    void AppendCell(int field, const TRowReader &row);
+    /// Adds whole rows of a packet, of those from begin to end (exclusive). For each field of the
+    /// builder it is told which of the packet's columns, of the same kind, holds the values; -1
+    /// leaves the field NULL. No row may have been begun. Raises EOutOfResources, and adds
+    /// nothing, like EndRow and AppendText.
+    void AppendRows(const TDataPacket &packet, qsizetype begin, qsizetype end, std::span<const int> columns);
+
+    /// The rows from here on are those of a log, and each is to be ended by EndLogRow.
+    void BeginLog(TPacketContent content);
+    /// `record` is the row that the entry changes, or the place of an insertion; for
+    /// TPacketContent::RowsAndLog alone.
+    void EndLogRow(TUpdateStatus status, quint32 record = TDataPacket::NoRecord);
+
     qsizetype RowCount() const { return FRowCount; }
     /// Freezes what was filled in; a row that was not ended is dropped. The builder is empty
-    /// afterwards.
+    /// afterwards. Raises EDatabaseError when the rows of a log break the rules of TDataPacket.
     TDataPacket Build() &&;
 
 private:
@@ -239,6 +294,9 @@ private:
     void AddBytes(int field, std::string_view bytes);
     TFilling &Prepare(int field, TColumnKind kind, TFieldType type);
     void PadWithNulls(TFilling &filling, qsizetype length);
+    void AppendRun(int field, const TPacketColumn &source, size_t begin, size_t end);
+    static void AppendTexts(TPacketColumn &column, const TPacketColumn &source, size_t begin, size_t end);
+    static void AppendNullBits(TFilling &filling, const TPacketColumn &source, size_t begin, size_t end);
     void Widen(int field, TColumnKind kind);
     void WidenToText(int field);
     void WidenForFraction(int field);
@@ -250,6 +308,7 @@ private:
 
     QList<TPacketField> FFields;
     std::vector<TFilling> FFilling;
+    TPacketMarks FMarks;
     qsizetype FRowCount = 0;
     quint32 FArenaLimit;
 };

@@ -3,6 +3,10 @@
 
 #include "platform/core/Exceptions.h"
 #include "platform/data/NumberText.h"
+#include "platform/data/PacketValidator.h"
+#include "platform/data/RowReader.h"
+
+#include <bit>
 
 namespace Korvane {
 
@@ -35,6 +39,14 @@ TFieldType TypeAfterWidening(TColumnKind kind)
     return ftBlob;
 }
 
+/// The bytes of the texts from begin to end.
+std::string_view Run(const TPodBuffer<quint32> &offsets, const TPodBuffer<char> &arena, qsizetype begin,
+                     qsizetype end)
+{
+    const quint32 from = offsets[size_t(begin)];
+    return {arena.Data() + from, offsets[size_t(end)] - from};
+}
+
 int CharacterCount(std::string_view utf8)
 {
     return int(std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
@@ -62,6 +74,105 @@ void TDataPacketBuilder::AppendBlob(int field, std::string_view bytes)
     if (filling.Column.FKind != TColumnKind::Blob)
         Widen(field, TColumnKind::Blob);
     AddBytes(field, bytes);
+}
+
+void TDataPacketBuilder::AppendCell(int field, const TRowReader &row)
+{
+    if (row.IsNull(field))
+        return AppendNull(field);
+    switch (FFilling[size_t(field)].Column.FKind) {
+    case TColumnKind::Int32:
+    case TColumnKind::Int64:
+        return AppendInt(field, row.GetInt(field));
+    case TColumnKind::Double:
+        return AppendDouble(field, row.GetDouble(field));
+    case TColumnKind::Text:
+        return AppendText(field, row.GetText(field));
+    case TColumnKind::Blob:
+        break;
+    }
+    AppendBlob(field, row.GetText(field));
+}
+
+void TDataPacketBuilder::AppendRows(const TDataPacket &packet, qsizetype begin, qsizetype end,
+                                    std::span<const int> columns)
+{
+    if (end - begin > TDataPacket::MaxRowCount - FRowCount)
+        RaiseTooManyRows();
+    for (int i = 0; i < FieldCount(); ++i) {
+        if (columns[size_t(i)] < 0)
+            continue;
+        const TPacketColumn &source = packet.Column(columns[size_t(i)]);
+        if (HasBytes(source.FKind) &&
+            !Fits(FFilling[size_t(i)], Run(source.FOffsets, source.FArena, begin, end)))
+            RaiseTooMuchText(i);
+    }
+    for (int i = 0; i < FieldCount(); ++i)
+        if (columns[size_t(i)] >= 0)
+            AppendRun(i, packet.Column(columns[size_t(i)]), size_t(begin), size_t(end));
+    FRowCount += end - begin;
+}
+
+void TDataPacketBuilder::AppendRun(int field, const TPacketColumn &source, size_t begin, size_t end)
+{
+    TFilling &filling = Prepare(field, source.FKind, TypeAfterWidening(source.FKind));
+    TPacketColumn &column = filling.Column;
+    Q_ASSERT(column.FKind == source.FKind);
+    if (column.FKind == TColumnKind::Int32)
+        column.FInt32s.Append(source.FInt32s.Data() + begin, end - begin);
+    else if (column.FKind == TColumnKind::Int64)
+        column.FInt64s.Append(source.FInt64s.Data() + begin, end - begin);
+    else if (column.FKind == TColumnKind::Double)
+        column.FDoubles.Append(source.FDoubles.Data() + begin, end - begin);
+    else
+        AppendTexts(column, source, begin, end);
+    if (source.HasNulls())
+        AppendNullBits(filling, source, begin, end);
+    filling.Length += qsizetype(end - begin);
+}
+
+void TDataPacketBuilder::AppendTexts(TPacketColumn &column, const TPacketColumn &source, size_t begin,
+                                     size_t end)
+{
+    // Modulo 2^32, as the bytes may stand further to the front than they did.
+    const quint32 shift = quint32(column.FArena.Size()) - source.FOffsets[begin];
+    const std::string_view texts = Run(source.FOffsets, source.FArena, qsizetype(begin), qsizetype(end));
+    column.FArena.Append(texts.data(), texts.size());
+    const size_t at = column.FOffsets.Size();
+    column.FOffsets.Append(source.FOffsets.Data() + begin + 1, end - begin);
+    for (size_t i = at; i < column.FOffsets.Size(); ++i)
+        column.FOffsets[i] += shift;
+}
+
+void TDataPacketBuilder::AppendNullBits(TFilling &filling, const TPacketColumn &source, size_t begin,
+                                        size_t end)
+{
+    TPodBuffer<quint64> &nulls = filling.Column.FNulls;
+    const size_t at = size_t(filling.Length);
+    for (size_t row = begin; row < end;) {
+        const quint64 word = source.FNulls[row >> 6] >> (row & 63);
+        row += word == 0 ? 64 - (row & 63) : size_t(std::countr_zero(word));
+        if (word == 0 || row >= end)
+            continue;
+        const size_t place = at + row - begin;
+        nulls.FillTo(std::max(nulls.Size(), (place + 64) / 64), 0);
+        nulls[place >> 6] |= quint64(1) << (place & 63);
+        ++row;
+    }
+}
+
+void TDataPacketBuilder::BeginLog(TPacketContent content)
+{
+    FMarks.Content = content;
+    FMarks.Begin = FRowCount;
+}
+
+void TDataPacketBuilder::EndLogRow(TUpdateStatus status, quint32 record)
+{
+    EndRow();
+    FMarks.Statuses.Append(quint8(status));
+    if (FMarks.Content == TPacketContent::RowsAndLog)
+        FMarks.Records.Append(record);
 }
 
 void TDataPacketBuilder::AddInt(int field, qint64 value)
@@ -228,14 +339,24 @@ void TDataPacketBuilder::WidenForFraction(int field)
 
 TDataPacket TDataPacketBuilder::Build() &&
 {
+    if (FFields.isEmpty()) {
+        FRowCount = FMarks.Begin = 0;
+        FMarks.Statuses = {};
+        FMarks.Records = {};
+    }
+    CheckMarkShape(FMarks, FRowCount);
+    CheckMarks(FMarks);
     auto table = std::make_shared<TDataPacket::TTable>();
     table->Columns.reserve(FFilling.size());
     for (int i = 0; i < FieldCount(); ++i) {
         Freeze(i);
         table->Columns.push_back(std::move(FFilling[size_t(i)].Column));
     }
-    table->RowCount = FFields.isEmpty() ? 0 : FRowCount;
+    table->RowCount = FRowCount;
     table->Fields = std::exchange(FFields, {});
+    FMarks.Statuses.Shrink();
+    FMarks.Records.Shrink();
+    table->Marks = std::exchange(FMarks, {});
     FFilling.clear();
     FRowCount = 0;
     return TDataPacket(std::move(table));

@@ -42,4 +42,7 @@ enum TFieldType {
     ftGuid
 };
 
+/// What has become of a row since it was loaded.
+enum TUpdateStatus { usUnmodified, usModified, usInserted, usDeleted };
+
 } // namespace Korvane

@@ -302,6 +302,29 @@ void TBoundFilter::Select(const TDataPacket &packet, std::span<const quint32> ca
     }
 }
 
+void TBoundFilter::Select(const TDataPacket &packet, const TRowOverlay &overlay,
+                          std::span<const quint32> candidates, std::vector<quint32> &rows) const
+{
+    if (!FCondition || overlay.IsEmpty())
+        return Select(packet, candidates, rows);
+    CheckColumns(packet);
+    quint32 bare[BlockSize];
+    quint8 truths[BlockSize]; // of the bare rows
+    while (!candidates.empty()) {
+        const auto block = candidates.first(std::min(BlockSize, candidates.size()));
+        const auto bareEnd =
+            std::ranges::copy_if(block, bare, [&](quint32 row) { return !overlay.Find(row); }).out;
+        FCondition->Test({&packet, nullptr, {bare, bareEnd}}, truths);
+        const quint8 *truth = truths;
+        for (const quint32 row : block) {
+            const TRowValues *cover = overlay.Find(row);
+            if (cover ? Matches(*cover) : *truth++ == IsTrue)
+                rows.push_back(row);
+        }
+        candidates = candidates.subspan(block.size());
+    }
+}
+
 bool TBoundFilter::Matches(const TRowReader &row) const
 {
     if (!FCondition)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/data/RowReader.h"
+#include "platform/data/store/RowOverlay.h"
 
 #include <QFlags>
 
@@ -31,6 +31,9 @@ public:
     void Select(const TDataPacket &packet, std::vector<quint32> &rows) const;
     /// The same for some of the packet's rows, in the order given.
     void Select(const TDataPacket &packet, std::span<const quint32> candidates,
+                std::vector<quint32> &rows) const;
+    /// The same for rows of a packet with others lying over it and behind its last one.
+    void Select(const TDataPacket &packet, const TRowOverlay &overlay, std::span<const quint32> candidates,
                 std::vector<quint32> &rows) const;
     /// Whether the filter is true for one row. Its columns are numbered as the bound fields.
     bool Matches(const TRowReader &row) const;

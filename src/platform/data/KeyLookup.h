@@ -146,13 +146,22 @@ public:
         while (size < size_t(count) + count / 2)
             size *= 2;
         FSlots.assign(size, TSlot());
-        for (quint32 row = 0; row < count; ++row) {
-            const quint64 hash = hashOf(row);
-            TSlot &slot = FSlots[FindSlot(hash, [&](quint32 other) { return areSame(other, row); })];
-            if (slot.Row == NotFound)
-                slot = {quint32(hash >> 32), row};
-        }
+        FRowCount = count;
+        for (quint32 row = 0; row < count; ++row)
+            Put(row, hashOf(row), areSame);
     }
+
+    /// Takes in one more row, behind all others. Amortised constant.
+    template <class HashOf, class AreSame> void Add(HashOf hashOf, AreSame areSame)
+    {
+        if (FSlots.size() < size_t(FRowCount) + 1 + (FRowCount + 1) / 2)
+            return Build(FRowCount + 1, hashOf, areSame);
+        Put(FRowCount, hashOf(FRowCount), areSame);
+        ++FRowCount;
+    }
+
+    /// How many rows have been taken in.
+    qsizetype RowCount() const { return FRowCount; }
 
     /// The first row for which isKey(row) holds among those of the hash; NotFound if none.
     template <class IsKey> quint32 Find(quint64 hash, IsKey isKey) const
@@ -167,6 +176,13 @@ private:
         quint32 Row = NotFound;
     };
 
+    template <class AreSame> void Put(quint32 row, quint64 hash, AreSame areSame)
+    {
+        TSlot &slot = FSlots[FindSlot(hash, [&](quint32 other) { return areSame(other, row); })];
+        if (slot.Row == NotFound)
+            slot = {quint32(hash >> 32), row};
+    }
+
     /// The slot of the key, or the free one where it would go.
     template <class IsKey> size_t FindSlot(quint64 hash, IsKey isKey) const
     {
@@ -178,6 +194,7 @@ private:
     }
 
     std::vector<TSlot> FSlots; // a power of two of them, never full
+    quint32 FRowCount = 0;
 };
 
 } // namespace Korvane

@@ -14,9 +14,11 @@ namespace Korvane {
 namespace {
 
 constexpr char Magic[4] = {'K', 'V', 'P', 'K'};
-constexpr quint16 Version = 1;
+constexpr quint16 RowsVersion = 1;
+constexpr quint16 MarksVersion = 2; // has marks behind the columns
 constexpr qsizetype HeaderSize = 24;
 constexpr qsizetype FieldSize = 16; // without the name
+constexpr qsizetype MarksBeginSize = 4;
 constexpr qsizetype ChecksumSize = 4;
 constexpr quint8 HasNullsFlag = 1;
 
@@ -43,15 +45,15 @@ public:
         qint64 size = HeaderSize + ChecksumSize;
         for (int i = 0; i < packet.FieldCount(); ++i)
             size += FieldSize + packet.Field(i).Name.toUtf8().size() + SizeOf(packet.Column(i));
-        return size;
+        return size + SizeOf(packet.FTable->Marks);
     }
 
     /// Whether the device took all of it.
     bool Write(const TDataPacket &packet)
     {
         Bytes(Magic, sizeof Magic);
-        Number(Version);
-        Number(quint16(0));
+        Number(packet.Content() == TPacketContent::Rows ? RowsVersion : MarksVersion);
+        Number(quint16(packet.Content()));
         Number(quint32(packet.FieldCount()));
         Number(quint32(packet.RowCount()));
         Number(quint64(SizeOf(packet)));
@@ -59,6 +61,7 @@ public:
             Field(packet.Field(i), packet.Column(i));
         for (int i = 0; i < packet.FieldCount(); ++i)
             Column(packet.Column(i));
+        Marks(packet.FTable->Marks);
         Number(FChecksum.Value());
         return FWell;
     }
@@ -68,6 +71,11 @@ private:
     {
         return qint64(column.FNulls.Size() * 8 + column.FInt32s.Size() * 4 + column.FInt64s.Size() * 8 +
                       column.FDoubles.Size() * 8 + column.FOffsets.Size() * 4 + column.FArena.Size());
+    }
+    static qint64 SizeOf(const TPacketMarks &marks)
+    {
+        return (marks.Content == TPacketContent::RowsAndLog ? MarksBeginSize : 0) +
+               qint64(marks.Statuses.Size() + marks.Records.Size() * 4);
     }
 
     void Field(const TPacketField &field, const TPacketColumn &column)
@@ -90,6 +98,14 @@ private:
         Array(column.FDoubles);
         Array(column.FOffsets);
         Bytes(column.FArena.Data(), column.FArena.Size());
+    }
+
+    void Marks(const TPacketMarks &marks)
+    {
+        if (marks.Content == TPacketContent::RowsAndLog)
+            Number(quint32(marks.Begin));
+        Array(marks.Statuses);
+        Array(marks.Records);
     }
 
     template <class T> void Array(const TPodBuffer<T> &values)
@@ -134,6 +150,8 @@ public:
             Field(*table);
         for (size_t i = 0; i < fieldCount; ++i)
             Column(table->Columns[i], size_t(table->RowCount), FHasNulls[i]);
+        if (table->Marks.Content != TPacketContent::Rows)
+            Marks(table->Marks, table->RowCount);
         const quint32 checksum = FChecksum.Value();
         if (Number<quint32>() != checksum)
             RaiseBad(QStringLiteral("校验和不符"));
@@ -150,10 +168,13 @@ private:
         Bytes(magic, sizeof magic);
         if (std::memcmp(magic, Magic, sizeof Magic) != 0)
             RaiseBad(QStringLiteral("不是数据包"));
-        if (const quint16 version = Number<quint16>(); version != Version)
+        const quint16 version = Number<quint16>();
+        if (version != RowsVersion && version != MarksVersion)
             RaiseBad(QStringLiteral("不支持的版本 %1").arg(version));
-        if (Number<quint16>() != 0)
+        const quint16 content = Number<quint16>();
+        if (content > quint16(TPacketContent::Delta) || (content == 0) != (version == RowsVersion))
             RaiseBad(QStringLiteral("文件头无效"));
+        table.Marks.Content = TPacketContent(content);
         const quint32 fieldCount = Number<quint32>();
         table.RowCount = Number<quint32>();
         if (Number<quint64>() != quint64(size))
@@ -204,6 +225,18 @@ private:
         }
         Array(column.FOffsets, rows + 1);
         Array(column.FArena, column.FOffsets.Last());
+    }
+
+    void Marks(TPacketMarks &marks, qsizetype rows)
+    {
+        if (marks.Content == TPacketContent::RowsAndLog)
+            marks.Begin = Number<quint32>();
+        if (marks.Begin > rows)
+            RaiseBad(QStringLiteral("变更日志无效"));
+        const size_t marked = size_t(rows - marks.Begin);
+        Array(marks.Statuses, marked);
+        if (marks.Content == TPacketContent::RowsAndLog)
+            Array(marks.Records, marked);
     }
 
     template <class T> void Array(TPodBuffer<T> &values, size_t count)

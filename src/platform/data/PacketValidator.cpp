@@ -3,6 +3,7 @@
 
 #include "platform/core/Exceptions.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace Korvane {
@@ -42,7 +43,81 @@ size_t MultibyteLength(const unsigned char *at, const unsigned char *end)
     return length;
 }
 
+[[noreturn]] void RaiseBadMarks(const char *fault)
+{
+    throw EDatabaseError(QStringLiteral("数据包已损坏，变更日志：%1").arg(QString::fromUtf8(fault)));
+}
+
+/// Each number that is taken must be below the limit, and taken once.
+class TTakenOnce
+{
+public:
+    explicit TTakenOnce(size_t limit) : FTaken(limit) {}
+
+    bool Take(quint32 number)
+    {
+        if (number >= FTaken.size() || FTaken[number])
+            return false;
+        FTaken[number] = true;
+        return true;
+    }
+
+private:
+    std::vector<bool> FTaken;
+};
+
+void CheckLog(const TPacketMarks &marks)
+{
+    const auto statuses = marks.Statuses.Values();
+    const auto insertions = size_t(std::count(statuses.begin(), statuses.end(), usInserted));
+    TTakenOnce records{size_t(marks.Begin)};
+    TTakenOnce places(size_t(marks.Begin) + insertions);
+    for (size_t i = 0; i < statuses.size(); ++i) {
+        if (statuses[i] == usUnmodified || statuses[i] > usDeleted)
+            RaiseBadMarks("状态无效");
+        if (statuses[i] == usInserted ? !places.Take(marks.Records[i]) : !records.Take(marks.Records[i]))
+            RaiseBadMarks("记录无效");
+    }
+}
+
+void CheckDelta(const TPacketMarks &marks)
+{
+    quint8 before = usInserted;
+    for (const quint8 status : marks.Statuses.Values()) {
+        if (status > usDeleted)
+            RaiseBadMarks("状态无效");
+        if ((before == usUnmodified) != (status == usModified))
+            RaiseBadMarks("修改与原值不成对");
+        before = status;
+    }
+    if (before == usUnmodified)
+        RaiseBadMarks("修改与原值不成对");
+}
+
 } // namespace
+
+void CheckMarkShape(const TPacketMarks &marks, qsizetype rowCount)
+{
+    const auto count = [&marks](TPacketContent content, qsizetype rows) {
+        return marks.Content == content ? size_t(rows) : 0;
+    };
+    const qsizetype marked = rowCount - marks.Begin;
+    if (marks.Begin < 0 || marked < 0 || (marks.Content != TPacketContent::RowsAndLog && marks.Begin != 0) ||
+        marks.Content > TPacketContent::Delta)
+        RaiseBadMarks("起始行无效");
+    if (marks.Statuses.Size() !=
+            count(TPacketContent::RowsAndLog, marked) + count(TPacketContent::Delta, marked) ||
+        marks.Records.Size() != count(TPacketContent::RowsAndLog, marked))
+        RaiseBadMarks("长度不符");
+}
+
+void CheckMarks(const TPacketMarks &marks)
+{
+    if (marks.Content == TPacketContent::RowsAndLog)
+        CheckLog(marks);
+    else if (marks.Content == TPacketContent::Delta)
+        CheckDelta(marks);
+}
 
 bool IsUtf8(std::string_view bytes)
 {

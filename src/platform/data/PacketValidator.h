@@ -29,6 +29,13 @@ private:
     const size_t FRowCount;
 };
 
+/// Checks that a packet's marks belong to the last of so many rows. Raises EDatabaseError.
+void CheckMarkShape(const TPacketMarks &marks, qsizetype rowCount);
+/// Checks every mark: each record changes once, each insertion has a place of its own, each
+/// modification of a delta follows its stored values. CheckMarkShape must have passed. Raises
+/// EDatabaseError.
+void CheckMarks(const TPacketMarks &marks);
+
 /// Whether bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing beyond
 /// U+10FFFF.
 bool IsUtf8(std::string_view bytes);

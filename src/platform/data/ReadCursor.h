@@ -2,11 +2,12 @@
 #pragma once
 
 #include "platform/data/FilterExpression.h"
-#include "platform/data/KeyLookup.h"
 #include "platform/data/RowOrder.h"
+#include "platform/data/RowSearches.h"
 
 namespace Korvane {
 
+class TCellReader;
 class TReadCursor;
 
 /// A field of a cursor's current row. A light value, for use while the cursor lives and is
@@ -29,7 +30,7 @@ public:
     QByteArray AsBytes() const; ///< of a text in UTF-8; NULL is empty
 
 private:
-    const TPacketColumn *ColumnWithValue() const;
+    template <class Result> Result Read(Result (TCellReader::*get)() const) const;
 
     const TReadCursor *FCursor;
     int FIndex;
@@ -97,15 +98,6 @@ public:
     TFieldHandle Field(int index) const { return {*this, index}; }
 
 private:
-    struct TSearch
-    {
-        QString Names;
-        TRowKey Key;
-        TKeyLookup Lookup;
-        bool IsIndexed = false;
-        bool WasUsed = false;
-    };
-
     void CheckOpen() const
     {
         if (!FIsOpen)
@@ -119,12 +111,11 @@ private:
     void ChangeFilter(const QString &text, bool filtered, TFilterOptions options);
     void SelectRows(const TBoundFilter &filter, std::span<const TOrderPart> order);
     std::vector<int> FieldIndexes(const QString &names) const;
-    TSearch &SearchFor(const QString &names, TLocateOptions options);
-    TSearch &SearchFor(std::span<const int> fields, TLocateOptions options);
-    TSearch &AddSearch(const QString &names, std::vector<int> fields, TLocateOptions options);
-    bool GoToKey(TSearch &search);
-    qsizetype Find(TSearch &search) const;
-    qsizetype FindByLookup(TSearch &search) const;
+    TRowSearches::TSearch &SearchFor(std::span<const int> fields, TLocateOptions options)
+    {
+        return FSearches.Of(fields, options, FPacket.Fields());
+    }
+    bool GoToKey(TRowSearches::TSearch &search);
 
     TDataPacket FPacket;
     bool FIsOpen = false;
@@ -140,7 +131,7 @@ private:
     TBoundFilter FBound;
     std::vector<TOrderPart> FOrder;
 
-    std::vector<TSearch> FSearches; // the last few kinds of search; dropped when rows change
+    TRowSearches FSearches;
 };
 
 } // namespace Korvane

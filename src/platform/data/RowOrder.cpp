@@ -2,93 +2,62 @@
 #include "platform/data/RowOrder.h"
 
 #include "platform/data/NumberText.h"
-
-#include <bit>
-#include <cmath>
-#include <numeric>
+#include "platform/data/RowSorter.h"
 
 namespace Korvane {
 
 namespace {
 
-/// A row on its way to its place: most comparisons are decided by the first key's prefix.
-struct TSortEntry
+/// A cell of a packet. It finds its column once.
+class TPacketCell
 {
-    quint64 Prefix;
-    quint32 Place; // where the row stood
-    quint32 Row;
+public:
+    TPacketCell(const TPacketColumn &column, quint32 row) : FColumn(column), FRow(row) {}
+
+    bool IsNull() const { return FColumn.IsNull(FRow); }
+    qint64 Int() const { return FColumn.Int(FRow); }
+    double Double() const { return FColumn.Doubles()[FRow]; }
+    std::string_view Text() const { return FColumn.Bytes(FRow); }
+
+private:
+    const TPacketColumn &FColumn;
+    const quint32 FRow;
 };
 
-constexpr quint64 SignBit = quint64(1) << 63;
-
-quint64 PrefixOf(double value)
+template <class Row> class TRowCell
 {
-    if (std::isnan(value))
-        return 0;
-    const quint64 bits = std::bit_cast<quint64>(value == 0 ? 0.0 : value);
-    return bits & SignBit ? ~bits : bits | SignBit;
+public:
+    TRowCell(const Row &row, int column) : FRow(row), FColumn(column) {}
+
+    bool IsNull() const { return FRow.IsNull(FColumn); }
+    qint64 Int() const { return FRow.GetInt(FColumn); }
+    double Double() const { return FRow.GetDouble(FColumn); }
+    std::string_view Text() const { return FRow.GetText(FColumn); }
+
+private:
+    const Row &FRow;
+    const int FColumn;
+};
+
+template <class Cell>
+int CompareValues(const Cell &left, const Cell &right, const TOrderPart &part, TColumnKind kind)
+{
+    if (left.IsNull() || right.IsNull())
+        return int(right.IsNull()) - int(left.IsNull());
+    if (kind == TColumnKind::Double)
+        return CompareNumbers(left.Double(), right.Double());
+    if (kind < TColumnKind::Double)
+        return CompareNumbers(left.Int(), right.Int());
+    if (part.Collation && kind == TColumnKind::Text)
+        return part.Collation->Compare(left.Text(), right.Text(), part.Mode);
+    return CompareTexts(left.Text(), right.Text(), part.Mode);
 }
 
-void AppendUtf8(char32_t code, unsigned char *bytes, size_t &count)
+template <class Cell>
+int CompareCells(const Cell &left, const Cell &right, const TOrderPart &part, TColumnKind kind)
 {
-    if (code < 0x80) {
-        bytes[count++] = static_cast<unsigned char>(code);
-    } else if (code < 0x800) {
-        bytes[count++] = static_cast<unsigned char>(0xC0 | code >> 6);
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        bytes[count++] = static_cast<unsigned char>(0xE0 | code >> 12);
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code >> 6 & 0x3F));
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code & 0x3F));
-    } else {
-        bytes[count++] = static_cast<unsigned char>(0xF0 | (code >> 18 & 0xF));
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code >> 12 & 0x3F));
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code >> 6 & 0x3F));
-        bytes[count++] = static_cast<unsigned char>(0x80 | (code & 0x3F));
-    }
-}
-
-/// The first eight bytes of a text as a number of the same order.
-quint64 PrefixOf(std::string_view text, TCaseMode mode)
-{
-    unsigned char bytes[12] = {};
-    size_t count = 0;
-    if (mode == TCaseMode::Exact)
-        std::copy_n(text.data(), std::min<size_t>(text.size(), 8), bytes);
-    else
-        while (!text.empty() && count < 8)
-            AppendUtf8(NextFolded(text), bytes, count);
-    quint64 prefix = 0;
-    for (size_t i = 0; i < 8; ++i)
-        prefix = prefix << 8 | bytes[i];
-    return prefix;
-}
-
-/// A number that orders rows by their first key as far as 64 bits can. NULL counts as the
-/// least.
-quint64 PrefixOf(const TPacketColumn &column, const TOrderPart &part, quint32 row)
-{
-    quint64 prefix = 0;
-    if (!column.IsNull(row)) {
-        if (column.Kind() == TColumnKind::Double)
-            prefix = PrefixOf(column.Doubles()[row]);
-        else if (column.Kind() < TColumnKind::Double)
-            prefix = quint64(column.Int(row)) ^ SignBit;
-        else
-            prefix = PrefixOf(column.Bytes(row), part.Mode);
-    }
-    return part.Direction == TSortDirection::Descending ? ~prefix : prefix;
-}
-
-int CompareCells(const TPacketColumn &column, TCaseMode mode, quint32 left, quint32 right)
-{
-    if (column.IsNull(left) || column.IsNull(right))
-        return int(column.IsNull(right)) - int(column.IsNull(left));
-    if (column.Kind() == TColumnKind::Double)
-        return CompareNumbers(column.Doubles()[left], column.Doubles()[right]);
-    if (column.Kind() < TColumnKind::Double)
-        return CompareNumbers(column.Int(left), column.Int(right));
-    return CompareTexts(column.Bytes(left), column.Bytes(right), mode);
+    const int result = CompareValues(left, right, part, kind);
+    return part.Direction == TSortDirection::Descending ? -result : result;
 }
 
 } // namespace
@@ -96,29 +65,51 @@ int CompareCells(const TPacketColumn &column, TCaseMode mode, quint32 left, quin
 int CompareRows(const TDataPacket &packet, std::span<const TOrderPart> order, quint32 left, quint32 right)
 {
     for (const TOrderPart &part : order) {
-        const int result = CompareCells(packet.Column(part.Column), part.Mode, left, right);
+        const TPacketColumn &column = packet.Column(part.Column);
+        const int result =
+            CompareCells(TPacketCell(column, left), TPacketCell(column, right), part, column.Kind());
         if (result != 0)
-            return part.Direction == TSortDirection::Descending ? -result : result;
+            return result;
+    }
+    return 0;
+}
+
+int CompareRows(const TDataPacket &packet, const TRowOverlay &overlay, std::span<const TOrderPart> order,
+                quint32 left, quint32 right)
+{
+    if (!overlay.Find(left) && !overlay.Find(right))
+        return CompareRows(packet, order, left, right);
+    const TOverlaidRow leftRow(packet, overlay, left), rightRow(packet, overlay, right);
+    for (const TOrderPart &part : order) {
+        const int result = CompareCells(TRowCell(leftRow, part.Column), TRowCell(rightRow, part.Column), part,
+                                        packet.Column(part.Column).Kind());
+        if (result != 0)
+            return result;
+    }
+    return 0;
+}
+
+int CompareRowToKey(const TRowReader &row, std::span<const TOrderPart> order, const TRowReader &key,
+                    size_t parts, std::span<const TColumnKind> kinds)
+{
+    for (const TOrderPart &part : order.first(std::min(parts, order.size()))) {
+        const int result = CompareCells(TRowCell(row, part.Column), TRowCell(key, part.Column), part,
+                                        kinds[size_t(part.Column)]);
+        if (result != 0)
+            return result;
     }
     return 0;
 }
 
 void SortRows(const TDataPacket &packet, std::span<const TOrderPart> order, std::vector<quint32> &rows)
 {
-    if (order.empty())
-        return;
-    const TPacketColumn &first = packet.Column(order[0].Column);
-    std::vector<TSortEntry> entries(rows.size());
-    for (size_t i = 0; i < rows.size(); ++i)
-        entries[i] = {PrefixOf(first, order[0], rows[i]), quint32(i), rows[i]};
-    std::sort(entries.begin(), entries.end(), [&](const TSortEntry &left, const TSortEntry &right) {
-        if (left.Prefix != right.Prefix)
-            return left.Prefix < right.Prefix;
-        const int result = CompareRows(packet, order, left.Row, right.Row);
-        return result != 0 ? result < 0 : left.Place < right.Place;
-    });
-    for (size_t i = 0; i < rows.size(); ++i)
-        rows[i] = entries[i].Row;
+    TRowSorter(packet, nullptr, order).Sort(rows);
+}
+
+void SortRows(const TDataPacket &packet, const TRowOverlay &overlay, std::span<const TOrderPart> order,
+              std::vector<quint32> &rows)
+{
+    TRowSorter(packet, overlay.IsEmpty() ? nullptr : &overlay, order).Sort(rows);
 }
 
 } // namespace Korvane

@@ -2,6 +2,7 @@
 #include "support/Packets.h"
 
 #include "platform/core/Exceptions.h"
+#include "platform/data/RowReader.h"
 
 #include <gtest/gtest.h>
 
@@ -221,6 +222,113 @@ TEST(DataPacketBuilder, RefusesASecondValueAndTooMuchText)
     EXPECT_EQ(RaisedBy([&] { limited.AppendText(1, "x"); }), "EOutOfResources: 字段“N”的数据超过上限 8 字节");
     limited.EndRow();
     EXPECT_EQ(Shown(std::move(limited).Build()), "T:string|N:string\n12345|12345678\n678|~\n");
+}
+
+// Runs of every length from every row, over the words of the null bitmap and with texts that
+// move; row by row is what they are compared with.
+TEST(DataPacketBuilder, TakesOverRunsOfRows)
+{
+    const QList<TPacketField> fields = {{"A", ftInteger}, {"B", ftLargeint}, {"C", ftFloat},
+                                        {"D", ftString},  {"E", ftBlob},     {"F", ftInteger}};
+    TDataPacketBuilder filling(fields);
+    for (int row = 0; row < 150; ++row) {
+        if (row % 7 != 3)
+            filling.AppendInt(0, row);
+        filling.AppendInt(1, Big + row);
+        if (row < 140)
+            filling.AppendDouble(2, row / 4.0);
+        if (row % 3 != 0)
+            filling.AppendText(3, std::string(size_t(row % 5), 'x'));
+        if (row > 100)
+            filling.AppendBlob(4, "\xff");
+        filling.AppendInt(5, row);
+        filling.EndRow();
+    }
+    const TDataPacket source = std::move(filling).Build();
+    const int columns[] = {0, 1, 2, 3, 4, -1};
+    for (const int first : {0, 1, 60, 64, 149}) {
+        for (const int length : {0, 1, 3, 64, 70, 129}) {
+            TDataPacketBuilder runs(fields);
+            TDataPacketBuilder single(fields);
+            for (int begin = first; begin < 150; begin += 67) {
+                const int end = std::min(begin + length, 150);
+                runs.AppendInt(0, begin);
+                runs.EndRow();
+                runs.AppendRows(source, begin, end, columns);
+                single.AppendInt(0, begin);
+                single.EndRow();
+                for (int row = begin; row < end; ++row) {
+                    for (int field = 0; field < 5; ++field)
+                        single.AppendCell(field, TPacketRow(source, row));
+                    single.EndRow();
+                }
+            }
+            ASSERT_EQ(Shown(std::move(runs).Build()), Shown(std::move(single).Build()))
+                << first << ' ' << length;
+        }
+    }
+}
+
+TEST(DataPacketBuilder, RefusesARunThatIsTooLong)
+{
+    const QList<TPacketField> fields = {{"N", ftInteger}, {"T", ftString}};
+    const TDataPacket source = PacketOf(fields, {{1, "123"}, {2, "45678"}, {3, "9"}});
+    const int columns[] = {0, 1};
+    TDataPacketBuilder limited(fields, 8);
+    limited.AppendRows(source, 0, 2, columns);
+    EXPECT_EQ(RaisedBy([&] { limited.AppendRows(source, 2, 3, columns); }),
+              "EOutOfResources: 字段“T”的数据超过上限 8 字节");
+    EXPECT_EQ(Shown(std::move(limited).Build()), "N:integer|T:string\n1|123\n2|45678\n");
+}
+
+/// What comes of a packet of one field and so many stored rows with a log of (status, record).
+std::string Logged(TPacketContent content, int stored, std::initializer_list<std::pair<int, quint32>> log)
+{
+    TDataPacketBuilder builder({{"X", ftInteger}});
+    for (int i = 0; i < stored; ++i)
+        builder.EndRow();
+    builder.BeginLog(content);
+    for (const auto &[status, record] : log)
+        builder.EndLogRow(TUpdateStatus(status), record);
+    std::string text;
+    const QString fault = RaisedBy([&] { text = Shown(std::move(builder).Build()); });
+    return text.empty() ? fault.toStdString() : text;
+}
+
+TEST(DataPacketBuilder, MarksTheRowsOfALog)
+{
+    using enum TPacketContent;
+    const quint32 no = TDataPacket::NoRecord;
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usDeleted, 1}, {usInserted, 2}, {usModified, 0}, {usInserted, 0}}),
+              "X:integer\n~\n~\n-- log\n"
+              "deleted 1: ~\ninserted 2: ~\nmodified 0: ~\ninserted 0: ~\n");
+    EXPECT_EQ(Logged(RowsAndLog, 1, {}), "X:integer\n~\n-- log\n");
+    EXPECT_EQ(Logged(Delta, 0, {}), "X:integer\n-- delta\n");
+    EXPECT_EQ(Logged(Delta, 0, {{usUnmodified, no}, {usModified, no}, {usDeleted, no}, {usInserted, no}}),
+              "X:integer\n-- delta\nunmodified: ~\nmodified: ~\ndeleted: ~\ninserted: ~\n");
+
+    const std::string record = "EDatabaseError: 数据包已损坏，变更日志：记录无效";
+    const std::string status = "EDatabaseError: 数据包已损坏，变更日志：状态无效";
+    const std::string pair = "EDatabaseError: 数据包已损坏，变更日志：修改与原值不成对";
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usModified, 2}}), record);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usDeleted, no}}), record);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usModified, 1}, {usDeleted, 1}}), record);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usInserted, 3}}), record);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usInserted, 3}, {usInserted, 3}}), record);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{usUnmodified, 0}}), status);
+    EXPECT_EQ(Logged(RowsAndLog, 2, {{4, 0}}), status);
+    EXPECT_EQ(Logged(Delta, 0, {{4, no}}), status);
+    EXPECT_EQ(Logged(Delta, 0, {{usModified, no}}), pair);
+    EXPECT_EQ(Logged(Delta, 0, {{usUnmodified, no}}), pair);
+    EXPECT_EQ(Logged(Delta, 0, {{usUnmodified, no}, {usDeleted, no}}), pair);
+    EXPECT_EQ(Logged(Delta, 1, {}), "EDatabaseError: 数据包已损坏，变更日志：起始行无效");
+    EXPECT_EQ(Logged(Rows, 0, {{usInserted, 0}}), "EDatabaseError: 数据包已损坏，变更日志：长度不符");
+
+    TDataPacketBuilder builder({{"X", ftInteger}});
+    builder.BeginLog(RowsAndLog);
+    builder.EndRow();
+    EXPECT_EQ(RaisedBy([&] { std::move(builder).Build(); }),
+              "EDatabaseError: 数据包已损坏，变更日志：长度不符");
 }
 
 TEST(DataPacket, IsFrozenAtItsTrueSize)

@@ -2,6 +2,7 @@
 #include "support/Packets.h"
 
 #include "platform/data/FilterExpression.h"
+#include "platform/data/KeyLookup.h"
 
 #include <gtest/gtest.h>
 
@@ -277,6 +278,85 @@ TEST(FilterExpression, SelectsAmongCandidatesInTheirOrder)
                   filter.Select(PacketOf({{"ID", ftInteger}}, {{1}}), candidates, rows);
               }),
               "EDatabaseError: 过滤条件与数据包的字段不符");
+}
+
+TEST(FilterExpression, SeesTheRowsThatLieOverThePacket)
+{
+    const TDataPacket packet = Parts();
+    const std::vector<TColumnKind> kinds = {TColumnKind::Int32, TColumnKind::Text,  TColumnKind::Double,
+                                            TColumnKind::Int64, TColumnKind::Int32, TColumnKind::Double,
+                                            TColumnKind::Text,  TColumnKind::Blob};
+    TRowOverlay overlay;
+    const auto cover = [&](quint32 row, const char *code, double amount) {
+        TRowValues values(TPacketRow(packet, row % packet.RowCount()), kinds);
+        values.SetText(1, code);
+        values.SetDouble(2, amount);
+        overlay.Set(row, std::make_shared<const TRowValues>(values));
+    };
+    cover(1, "B2", 7);
+    cover(4, "A1", 7);
+    cover(6, "A1", 8);
+    cover(3001, "A1", 9);
+    const struct
+    {
+        const char *Text;
+        std::vector<quint32> Rows;
+    } cases[] = {
+        {"", {3001, 5, 6, 4, 3, 2, 1, 0}},
+        {"CODE='A1'", {3001, 6, 4, 0}},
+        {"CODE='A*' and not 数量=8", {3001, 4, 2, 0}},
+        {"数量>6", {3001, 6, 4, 1}},
+        {"数量 is null", {3}},
+        {"CODE is null", {}},
+        {"PIC='p'", {6, 0}},
+    };
+    for (const auto &c : cases) {
+        std::vector<quint32> rows;
+        TFilterExpression(QString::fromUtf8(c.Text))
+            .Bind(packet.Fields())
+            .Select(packet, overlay, std::vector<quint32>{3001, 5, 6, 4, 3, 2, 1, 0}, rows);
+        EXPECT_EQ(rows, c.Rows) << c.Text;
+    }
+
+    // Over more than a block, beside the rows one by one.
+    std::vector<quint32> candidates(5000), expected, rows;
+    for (quint32 i = 0; i < 5000; ++i)
+        candidates[i] = i % 3 == 0 ? 3001 : i % 7;
+    const TBoundFilter filter = TFilterExpression("CODE like 'A%' or 数量<1").Bind(packet.Fields());
+    std::ranges::copy_if(candidates, std::back_inserter(expected),
+                         [&](quint32 row) { return filter.Matches(TOverlaidRow(packet, overlay, row)); });
+    filter.Select(packet, overlay, candidates, rows);
+    EXPECT_EQ(rows, expected);
+}
+
+TEST(KeyLookup, FindsRowsThatLieOverThePacket)
+{
+    const TDataPacket packet =
+        PacketOf({{"CODE", ftString}, {"N", ftInteger}}, {{"A", 1}, {"B", 2}, {"C", 3}});
+    TRowOverlay overlay;
+    for (const quint32 row : {1u, 3u}) {
+        TRowValues values(2);
+        values.SetText(0, "c");
+        values.SetInt(1, 3);
+        overlay.Set(row, std::make_shared<const TRowValues>(values));
+    }
+    const auto rowAt = [&](quint32 i) { return TOverlaidRow(packet, overlay, i); };
+    for (const TLocateOptions options : {TLocateOptions(), TLocateOptions(loCaseInsensitive)}) {
+        TRowKey key({0, 1}, {ftString, ftInteger}, options);
+        TKeyLookup lookup;
+        lookup.Build(
+            4, [&](quint32 i) { return key.HashOf(rowAt(i)); },
+            [&](quint32 a, quint32 b) { return key.AreSame(rowAt(a), rowAt(b)); });
+        const auto find = [&](const QVariant &code, const QVariant &number) {
+            key.Set(0, code);
+            key.Set(1, number);
+            return lookup.Find(key.Hash(), [&](quint32 i) { return key.Matches(rowAt(i)); });
+        };
+        EXPECT_EQ(find("C", 3), options ? 1u : 2u);
+        EXPECT_EQ(find("c", 3), 1u);
+        EXPECT_EQ(find("B", 2), TKeyLookup::NotFound);
+        EXPECT_EQ(find("A", 1), 0u);
+    }
 }
 
 // ---- random filters, beside a row-by-row evaluation that shares no code with them ------

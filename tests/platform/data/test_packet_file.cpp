@@ -29,6 +29,26 @@ TDataPacket Sample()
                      {Null, -7, Null, Null, QByteArray()}});
 }
 
+/// Records and their log, or a log alone; in both N holds 5, 6, NULL.
+TDataPacket WithLog(TPacketContent content)
+{
+    TDataPacketBuilder builder({{"N", ftInteger}});
+    const bool isDelta = content == TPacketContent::Delta;
+    if (isDelta)
+        builder.BeginLog(content);
+    builder.AppendInt(0, 5);
+    if (isDelta) {
+        builder.EndLogRow(usUnmodified);
+    } else {
+        builder.EndRow();
+        builder.BeginLog(content);
+    }
+    builder.AppendInt(0, 6);
+    builder.EndLogRow(usModified, 0);
+    builder.EndLogRow(usInserted, 1);
+    return std::move(builder).Build();
+}
+
 /// Puts the checksum right, so that what lies behind it gets tested.
 QByteArray Signed(QByteArray bytes)
 {
@@ -45,7 +65,8 @@ QString Refusal(const QByteArray &bytes)
 
 TEST(PacketFile, ComesBackAsItWas)
 {
-    const TDataPacket packets[] = {TDataPacket(), PacketOf({{"X", ftMemo}}, {}), Sample()};
+    const TDataPacket packets[] = {TDataPacket(), PacketOf({{"X", ftMemo}}, {}), Sample(),
+                                   WithLog(TPacketContent::RowsAndLog), WithLog(TPacketContent::Delta)};
     for (const TDataPacket &packet : packets) {
         const QByteArray bytes = packet.ToBytes();
         const TDataPacket back = TDataPacket::FromBytes(bytes);
@@ -92,6 +113,42 @@ TEST(PacketFile, HasTheBytesOfItsDescription)
     EXPECT_EQ(TextOf(TDataPacket::FromBytes(expected)), TextOf(packet));
 }
 
+TEST(PacketFile, HasTheBytesOfItsDescriptionWithALog)
+{
+    const struct
+    {
+        TPacketContent Content;
+        const char *Header;
+        const char *Marks;
+    } cases[] = {
+        {TPacketContent::RowsAndLog, "4b56504b02000100",
+         "01000000"
+         "0102"
+         "0000000001000000"},
+        {TPacketContent::Delta, "4b56504b02000200", "000102"},
+    };
+    for (const auto &c : cases) {
+        QByteArray expected = QByteArray::fromHex(c.Header);
+        expected += QByteArray::fromHex("0100000003000000"
+                                        "0000000000000000"
+                                        "03000001"
+                                        "00000000"
+                                        "00000000"
+                                        "01000000"
+                                        "4e"
+                                        "0400000000000000"
+                                        "05000000"
+                                        "06000000"
+                                        "00000000");
+        expected += QByteArray::fromHex(c.Marks) + QByteArray(4, '\0');
+        qToLittleEndian(quint64(expected.size()), expected.data() + 16);
+        expected = Signed(expected);
+        const TDataPacket packet = WithLog(c.Content);
+        EXPECT_EQ(packet.ToBytes().toHex(), expected.toHex());
+        EXPECT_EQ(TextOf(TDataPacket::FromBytes(expected)), TextOf(packet));
+    }
+}
+
 TEST(PacketFile, ChecksumIsTheWellKnownOne)
 {
     TCrc32 crc;
@@ -122,15 +179,18 @@ TEST(PacketFile, NoTruncationAndNoFlippedBytePasses)
 // whole in itself.
 TEST(PacketFile, DamageBehindARightChecksumIsHarmless)
 {
-    const QByteArray whole = Sample().ToBytes();
-    for (qsizetype at = 0; at < whole.size() - 4; ++at) {
-        for (int bits = 1; bits < 256; bits += 7) {
-            QByteArray damaged = whole;
-            damaged[at] = char(damaged[at] ^ bits);
-            try {
-                TDataPacket::FromBytes(Signed(damaged)).ValidateFull();
-            } catch (const EDatabaseError &) {
-                continue;
+    for (const TDataPacket &packet :
+         {Sample(), WithLog(TPacketContent::RowsAndLog), WithLog(TPacketContent::Delta)}) {
+        const QByteArray whole = packet.ToBytes();
+        for (qsizetype at = 0; at < whole.size() - 4; ++at) {
+            for (int bits = 1; bits < 256; bits += 7) {
+                QByteArray damaged = whole;
+                damaged[at] = char(damaged[at] ^ bits);
+                try {
+                    TDataPacket::FromBytes(Signed(damaged)).ValidateFull();
+                } catch (const EDatabaseError &) {
+                    continue;
+                }
             }
         }
     }
@@ -146,6 +206,8 @@ TEST(PacketFile, RefusesHostileHeaders)
     // 74, texts at 86.
     const QByteArray good =
         PacketOf({{"N", ftInteger}, {"T", ftString, 10}}, {{5, "a"}, {Null, "bc"}}).ToBytes();
+    // The log's beginning at 61, statuses at 65, records at 67.
+    const QByteArray log = WithLog(TPacketContent::RowsAndLog).ToBytes();
     const struct
     {
         const char *Name;
@@ -154,7 +216,9 @@ TEST(PacketFile, RefusesHostileHeaders)
     } cases[] = {
         {"nothing", {}, "数据包格式错误：数据不完整"},
         {"other magic", patched(good, 0, "4b56504c"), "数据包格式错误：不是数据包"},
-        {"later version", patched(good, 4, "0200"), "数据包格式错误：不支持的版本 2"},
+        {"later version", patched(good, 4, "0300"), "数据包格式错误：不支持的版本 3"},
+        {"no log in version 2", patched(good, 4, "0200"), "数据包格式错误：文件头无效"},
+        {"log in version 1", patched(good, 6, "0100"), "数据包格式错误：文件头无效"},
         {"field count", patched(good, 8, "ffffffff"), "数据包格式错误：文件头无效"},
         {"row count", patched(good, 12, "ffffffff"), "数据包格式错误：文件头无效"},
         {"many rows", patched(good, 12, "00000080"), "数据包格式错误：数据不完整"},
@@ -172,6 +236,13 @@ TEST(PacketFile, RefusesHostileHeaders)
         {"last offset", patched(good, 82, "ffffffff"), "数据包格式错误：数据不完整"},
         {"broken text", patched(good, 86, "ff"), "数据包已损坏，字段“T”：文本不是 UTF-8"},
         {"split character", patched(good, 86, "c3bf"), "数据包已损坏，字段“T”：文本在字符中间断开"},
+        {"unknown content", patched(log, 6, "0300"), "数据包格式错误：文件头无效"},
+        {"log behind the rows", patched(log, 61, "04000000"), "数据包格式错误：变更日志无效"},
+        {"more stored rows than marks leave", patched(log, 61, "02000000"), "数据包格式错误：校验和不符"},
+        {"log of more rows", patched(log, 61, "00000000"), "数据包格式错误：数据不完整"},
+        {"no status", patched(log, 65, "04"), "数据包已损坏，变更日志：状态无效"},
+        {"unknown record", patched(log, 67, "01"), "数据包已损坏，变更日志：记录无效"},
+        {"place beyond the end", patched(log, 71, "02"), "数据包已损坏，变更日志：记录无效"},
     };
     for (const auto &c : cases)
         EXPECT_EQ(Refusal(c.Bytes).toStdString(), std::string("EDatabaseError: ") + c.Expected) << c.Name;
