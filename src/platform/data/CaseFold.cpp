@@ -40,6 +40,28 @@ char32_t FoldCase(char32_t code)
     return code < BrokenByte ? QChar::toCaseFolded(code) : code;
 }
 
+size_t PutUtf8(char32_t code, char *bytes)
+{
+    size_t count = 0;
+    const auto put = [&](char32_t byte) { bytes[count++] = static_cast<char>(byte); };
+    if (code < 0x80) {
+        put(code);
+    } else if (code < 0x800) {
+        put(0xC0 | code >> 6);
+        put(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        put(0xE0 | code >> 12);
+        put(0x80 | (code >> 6 & 0x3F));
+        put(0x80 | (code & 0x3F));
+    } else {
+        put(0xF0 | (code >> 18 & 0xF));
+        put(0x80 | (code >> 12 & 0x3F));
+        put(0x80 | (code >> 6 & 0x3F));
+        put(0x80 | (code & 0x3F));
+    }
+    return count;
+}
+
 char32_t NextCodePoint(std::string_view &utf8)
 {
     const auto byte = [&utf8](size_t i) { return static_cast<unsigned char>(utf8[i]); };

@@ -12,6 +12,9 @@ enum class TCaseMode : unsigned char { Exact, Blind };
 /// Takes the next code point off a UTF-8 text, which must not be empty. A byte that is no
 /// part of valid UTF-8 counts as a code point of its own, beyond all others.
 char32_t NextCodePoint(std::string_view &utf8);
+/// Writes a code point's bytes, one to four, and gives their number. What NextCodePoint gives for a
+/// broken byte has none of its own and gets four that sort behind all others.
+size_t PutUtf8(char32_t code, char *bytes);
 /// A code point by Unicode's simple case folding.
 char32_t FoldCase(char32_t code);
 /// NextCodePoint, folded.

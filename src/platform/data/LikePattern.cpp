@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/data/LikePattern.h"
 
-#include <string>
+#include <cstring>
 
 namespace Korvane {
 
@@ -35,6 +35,44 @@ TLikePattern::TLikePattern(std::string_view text, const TLikeSyntax &syntax) : F
             FItems.push_back({Literal, Folded(c)});
         }
     }
+    FindPieces();
+}
+
+/// NOTE: in UTF-8 no character's bytes stand inside another's, so that bytes can be compared.
+void TLikePattern::FindPieces()
+{
+    if (FSyntax.Fold != TLikeSyntax::Exact)
+        return;
+    char bytes[4];
+    std::vector<std::string> pieces(1);
+    for (const TItem &item : FItems) {
+        if (item.Kind == AnyText)
+            pieces.emplace_back();
+        else if (item.Kind == Literal && item.Character <= 0x10FFFF)
+            pieces.back().append(bytes, PutUtf8(item.Character, bytes));
+        else
+            return;
+    }
+    FPieces = std::move(pieces);
+}
+
+bool TLikePattern::MatchesPieces(std::string_view text) const
+{
+    const std::string &first = FPieces.front();
+    const std::string &last = FPieces.back();
+    if (FPieces.size() == 1)
+        return text == first;
+    if (text.size() < first.size() + last.size() || !text.starts_with(first) || !text.ends_with(last))
+        return false;
+    text = text.substr(first.size(), text.size() - first.size() - last.size());
+    for (size_t i = 1; i + 1 < FPieces.size(); ++i) {
+        const std::string &piece = FPieces[i];
+        const void *found = memmem(text.data(), text.size(), piece.data(), piece.size());
+        if (!found)
+            return false;
+        text.remove_prefix(size_t(static_cast<const char *>(found) - text.data()) + piece.size());
+    }
+    return true;
 }
 
 char32_t TLikePattern::Folded(char32_t c) const
@@ -91,6 +129,8 @@ bool TLikePattern::MatchesOne(const TItem &item, char32_t c) const
 
 bool TLikePattern::Matches(std::string_view text) const
 {
+    if (!FPieces.empty())
+        return MatchesPieces(text);
     // Only the last "any text" is ever tried anew: an earlier one that could end later would leave
     // less to the items between the two.
     size_t item = 0, starItem = None;

@@ -3,6 +3,7 @@
 
 #include "platform/data/CaseFold.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,7 +21,7 @@ struct TLikeSyntax
 };
 
 /// A pattern of "like", read once. A "[" without "]" stands for itself. Matching takes no more
-/// than the product of both lengths.
+/// than the product of both lengths; an exact pattern of nothing but texts and "%" searches bytes.
 class TLikePattern
 {
 public:
@@ -44,6 +45,8 @@ private:
         size_t EndRange = 0;
     };
 
+    void FindPieces();
+    bool MatchesPieces(std::string_view text) const;
     char32_t Folded(char32_t c) const;
     char32_t Next(std::string_view &text) const { return Folded(NextCodePoint(text)); }
     size_t ParseSet(std::u32string_view pattern, size_t at);
@@ -52,6 +55,9 @@ private:
     TLikeSyntax FSyntax;
     std::vector<TItem> FItems;
     std::vector<TRange> FRanges;
+    // The texts between the "%", the first at the beginning and the last at the end; only of a
+    // pattern that has nothing else and minds the case.
+    std::vector<std::string> FPieces;
 };
 
 } // namespace Korvane

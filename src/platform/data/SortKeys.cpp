@@ -51,26 +51,6 @@ quint64 BigEndian(std::string_view text, size_t begin)
            ByteAt(rest, size - 1) << unused;
 }
 
-void AppendUtf8(char32_t code, char *bytes, size_t &count)
-{
-    const auto put = [&](char32_t byte) { bytes[count++] = static_cast<char>(byte); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6);
-        put(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    } else {
-        put(0xF0 | (code >> 18 & 0xF));
-        put(0x80 | (code >> 12 & 0x3F));
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    }
-}
-
 constexpr quint64 Bytes(quint64 byte) { return byte * 0x0101010101010101u; }
 
 /// Folds the case of the ASCII characters among eight bytes.
@@ -206,7 +186,7 @@ quint64 TSortKeys::FoldedChunk(std::string_view text, size_t begin)
     size_t count = 0;
     while (!text.empty() && count <= TextChunkSize) {
         const size_t had = count;
-        AppendUtf8(NextFolded(text), bytes, count);
+        count += PutUtf8(NextFolded(text), bytes + count);
         if (begin != 0) {
             const size_t skipped = std::min(begin, count - had);
             std::copy(bytes + had + skipped, bytes + count, bytes + had);

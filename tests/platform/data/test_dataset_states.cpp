@@ -18,15 +18,20 @@ std::unique_ptr<TClientDataSet> ThreeParts()
 
 TDataPacket ThreePartsPacket() { return ThreeParts()->Data(); }
 
-/// Two steps of the machine that fail on demand.
+/// Fails on demand where the machine works on its rows.
 class TFailingSet : public TClientDataSet
 {
 public:
     using TClientDataSet::TClientDataSet;
 
-    int Failures = 0;
+    mutable int Failures = 0;
 
 protected:
+    const TRowReader &RowOf(quint32 record) const override
+    {
+        FailOnDemand();
+        return TClientDataSet::RowOf(record);
+    }
     void InternalDelete(quint32 record) override
     {
         FailOnDemand();
@@ -39,7 +44,7 @@ protected:
     }
 
 private:
-    void FailOnDemand()
+    void FailOnDemand() const
     {
         if (Failures > 0 && Failures-- > 0)
             throw EDatabaseError(QStringLiteral("磁盘已满"));
@@ -288,13 +293,20 @@ TEST(DataSetStates, AnErrorHandlerChooses)
             EXPECT_EQ(choice, daFail);
             choice = chosen;
         };
+        set.OnEditError = handler;
+        set.Failures = failures;
+        EXPECT_EQ(KindRaised([&] { set.Edit(); }), raised);
+        EXPECT_EQ(PlaceOf(set), raised == QLatin1String("nothing") ? "edit 1/3" : "browse 1/3 bof");
+        EXPECT_EQ(asks.size(), asked);
+
         set.OnPostError = handler;
+        set.Failures = 0;
         Do(set, "edit; QTY=9");
         set.Failures = failures;
         EXPECT_EQ(KindRaised([&] { set.Post(); }), raised);
         EXPECT_EQ(PlaceOf(set), editPlace);
         EXPECT_EQ(ViewOf(set, "QTY"), view);
-        EXPECT_EQ(asks.size(), asked);
+        EXPECT_EQ(asks.size(), 2 * asked);
 
         set.Failures = 0;
         Do(set, "cancel; next");
@@ -303,7 +315,7 @@ TEST(DataSetStates, AnErrorHandlerChooses)
         EXPECT_EQ(KindRaised([&] { set.Delete(); }), raised);
         EXPECT_EQ(ViewOf(set, "CODE"), raised == QLatin1String("nothing") ? "A1 >A3" : "A1 >A2 A3");
         EXPECT_EQ(PlaceOf(set), raised == QLatin1String("nothing") ? "browse 2/2" : "browse 2/3");
-        EXPECT_EQ(asks.size(), 2 * asked);
+        EXPECT_EQ(asks.size(), 3 * asked);
     }
 }
 

@@ -37,8 +37,9 @@ private:
 /// happens. Base of the client datasets, which hold the rows.
 ///
 /// A dataset is a small state machine. Edit, Insert and Append begin a change of one row, Post
-/// ends it and Cancel drops it; all else that leaves the row posts it first if anything was
-/// written into it, and cancels it otherwise (CheckBrowseMode). A Before event may stop what it
+/// ends it and Cancel drops it, as do Delete, Close and what undoes logged changes; all else that
+/// leaves the row posts it first if anything was written into it, and cancels it otherwise
+/// (CheckBrowseMode). A Before event may stop what it
 /// announces by raising, silently by Abort(). Order of the events:
 ///
 ///     Open    BeforeOpen, state, AfterOpen, AfterScroll
@@ -91,6 +92,9 @@ public:
     TField *FindField(QStringView name) const;
     /// Raises EDatabaseError when there is none.
     TField *FieldByName(QStringView name) const;
+    /// The row that the data fields read now, its columns numbered by FieldNo; null without one. For
+    /// who reads many fields at once; good until the dataset moves or changes.
+    const TRowReader *CurrentRow() const;
     /// The fields of a list of names joined by ";". Raises EDatabaseError for an unknown one.
     QList<TField *> GetFieldList(const QString &names) const;
     /// What CreateDataSet makes columns from; of an open dataset, its columns.

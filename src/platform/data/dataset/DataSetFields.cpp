@@ -124,18 +124,23 @@ quint32 TDataSet::ReadRecord() const
     return CurrentRecord();
 }
 
-const TRowReader *TDataSet::ReadRow(const TField &field) const
+const TRowReader *TDataSet::CurrentRow() const
 {
-    if (FState == dsInactive || field.FFieldNo < 0)
+    if (FState == dsInactive)
         return nullptr;
-    if (field.Calculated())
-        return CalculatedRow();
     if (FCalculatesEdited || (!FReadsRecord && FPeek < 0 && (FState == dsEdit || FState == dsInsert)))
         return &FEditRow;
     const quint32 record = ReadRecord();
     if (record == NoRecord)
         return nullptr;
     return FState == dsEdit && record == FEditRecord ? &FEditRow : &RowOf(record);
+}
+
+const TRowReader *TDataSet::ReadRow(const TField &field) const
+{
+    if (field.FFieldNo < 0)
+        return nullptr;
+    return field.Calculated() && FState != dsInactive ? CalculatedRow() : CurrentRow();
 }
 
 /// The calculated fields of the row that is read now, reckoned once for as long as that row and its
