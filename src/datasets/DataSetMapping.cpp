@@ -13,6 +13,12 @@ namespace Korvane {
 
 namespace {
 
+QString TextAt(const TRowReader &row, int column)
+{
+    const std::string_view text = row.GetText(column);
+    return QString::fromUtf8(text.data(), qsizetype(text.size()));
+}
+
 QString ValueText(const QString &value) { return value; }
 QString ValueText(qint64 value) { return IntToStr(value); }
 QString ValueText(double value) { return VarToStr(value); }
@@ -36,30 +42,37 @@ void WriteCell(TDBObject &object, const QString &className, const TMappedCell &c
 
 std::unique_ptr<TDBObject> TExCustomDataSet::NewRecord(const QString &className)
 {
-    std::unique_ptr<TPersistent> made = FindClass(className).Create();
-    auto *record = dynamic_cast<TDBObject *>(made.get());
-    if (!record)
-        throw EClassNotFound(QStringLiteral("没有找到类") + className);
-    made.release();
-    return std::unique_ptr<TDBObject>(record);
+    if (!FRecordClass || FRecordClassVersion != RegistryVersion() || FRecordClassName != className) {
+        FRecordClass = nullptr;
+        const TClassInfo &info = FindClass(className);
+        if (!dynamic_cast<TDBObject *>(info.Create().get()))
+            throw EClassNotFound(QStringLiteral("没有找到类") + className);
+        FRecordClass = &info;
+        FRecordClassName = className;
+        FRecordClassVersion = RegistryVersion();
+    }
+    return std::unique_ptr<TDBObject>(static_cast<TDBObject *>(FRecordClass->Create().release()));
 }
 
-void TExCustomDataSet::FillObject(TDBObject &object, const TRowMapping &mapping, bool skipNulls)
+void TExCustomDataSet::FillObject(TDBObject &object, const TRowMapping &mapping, const TDataSet &source,
+                                  bool skipNulls)
 {
     const QString &name = mapping.ClassName();
+    const TRowReader *row = source.CurrentRow();
     for (const TMappedCell &cell : mapping.Cells()) {
         const TField &field = *cell.Field;
+        const bool isPlain = row && cell.Column >= 0;
         if (skipNulls && field.IsNull())
             continue;
         switch (cell.Reading) {
         case TCellReading::Text:
-            WriteCell(object, name, cell, field.AsString());
+            WriteCell(object, name, cell, isPlain ? TextAt(*row, cell.Column) : field.AsString());
             break;
         case TCellReading::Integer:
-            WriteCell(object, name, cell, qint64(field.AsInteger()));
+            WriteCell(object, name, cell, isPlain ? row->GetInt(cell.Column) : qint64(field.AsInteger()));
             break;
         case TCellReading::Float:
-            WriteCell(object, name, cell, field.AsFloat());
+            WriteCell(object, name, cell, isPlain ? row->GetDouble(cell.Column) : field.AsFloat());
             break;
         case TCellReading::Blob:
             WriteCell(object, name, cell, GetBlobString(field));
@@ -80,7 +93,7 @@ void TExCustomDataSet::SetCurrentObject(TDBObject &object)
 {
     CheckDBDFile();
     FRowMapping.Aim(object, GetFields(), *this, *this);
-    FillObject(object, FRowMapping, false);
+    FillObject(object, FRowMapping, *this, false);
 }
 
 void TExCustomDataSet::SetCurrentObject(TDBObject &object, TDataSet &source, bool all)
@@ -88,7 +101,7 @@ void TExCustomDataSet::SetCurrentObject(TDBObject &object, TDataSet &source, boo
     CheckDBDFile();
     FSourceMapping.Aim(object, GetFields(), *this, source);
     const auto *rows = qobject_cast<const TCustomClientDataSet *>(&source);
-    FillObject(object, FSourceMapping, !all && rows && rows->UpdateStatus() == usModified);
+    FillObject(object, FSourceMapping, source, !all && rows && rows->UpdateStatus() == usModified);
 }
 
 QString TExCustomDataSet::GetBlobString(const TField &field)

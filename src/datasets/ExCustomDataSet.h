@@ -286,7 +286,8 @@ protected:
                        const QVariant &value = {});
     /// The statement as a derived table with condition, order and, unless 0, a limit.
     static QString Wrapped(const QString &statement, const QString &where, const QString &order, qint32 top);
-    static std::unique_ptr<TDBObject> NewRecord(const QString &className);
+    /// Raises EClassNotFound.
+    std::unique_ptr<TDBObject> NewRecord(const QString &className);
     int NextNumberInTable(const QString &column, const QString &table);
 
 private:
@@ -295,7 +296,7 @@ private:
     int NextNumberInMemory();
     /// From First to the end, controls disabled.
     void WalkRows(const std::function<void()> &visit);
-    void FillObject(TDBObject &object, const TRowMapping &mapping, bool skipNulls);
+    void FillObject(TDBObject &object, const TRowMapping &mapping, const TDataSet &source, bool skipNulls);
     QList<TField *> KeySources(const TDataSet &source);
     static QVariant ValuesOf(const QList<TField *> &fields);
     void SaveDeltaRow(TClientDataSet &delta, const QList<TField *> &keys, std::unique_ptr<TDBObject> &object);
@@ -333,6 +334,10 @@ private:
     TUpdateType FUpdateType = utChanged;
     bool FIgnoreCheck = false;
 
+    // The class that NewRecord was last asked for.
+    const TClassInfo *FRecordClass = nullptr;
+    QString FRecordClassName;
+    quint64 FRecordClassVersion = 0;
     std::unique_ptr<TClientDataSet> FKeyRows; // the same rows, for checks of keys
     TRowMapping FRowMapping;                  // of the own rows
     TRowMapping FSourceMapping;               // of another dataset's rows

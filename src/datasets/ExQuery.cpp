@@ -3,7 +3,6 @@
 
 #include "design/DBDFile.h"
 #include "platform/core/Format.h"
-#include "session/DBSession.h"
 
 namespace Korvane {
 
@@ -44,49 +43,11 @@ QString TExQuery::GetSelectSQL(const QString &field, const QVariant &value, TOpe
                                        FSystemFields);
 }
 
-QString TExQuery::GetInsertSQL(const TDBObject &object) { return GetDBDQuery()->GetInsertSQL(object); }
-
-QString TExQuery::GetUpdateSQL(const TDBObject &object)
-{
-    return GetDBDQuery()->GetUpdateSQL(Session().DBType(), object);
-}
-
-QString TExQuery::GetUpdateSQL(const TDBObject &object, const QString &field, const QVariant &value)
-{
-    return GetDBDQuery()->GetUpdateSQL(Session().DBType(), object, field, value);
-}
-
-QString TExQuery::GetDeleteSQL(const TDBObject &object)
-{
-    return GetDBDQuery()->GetDeleteSQL(Session().DBType(), object);
-}
-
-QString TExQuery::GetDeleteSQL(const TDBObject &object, const QString &field, const QVariant &value)
-{
-    return GetDBDQuery()->GetDeleteSQL(Session().DBType(), object, field, value);
-}
-
-QString TExQuery::GetDeleteSQL(const QString &field, const QVariant &value)
-{
-    return GetDBDQuery()->GetDeleteSQL(Session().DBType(), field, value);
-}
-
-std::shared_ptr<TFieldsObject> TExQuery::GetField(const QString &name)
-{
-    return GetDBDQuery()->GetField(name);
-}
-
 std::unique_ptr<TDBObject> TExQuery::GetDBObject()
 {
     const auto query = GetDBDQuery()->QueryObject();
     return NewRecord(query ? query->QueryClass : QString());
 }
-
-TObjectList<TFieldsObject> TExQuery::GetKeyFields() { return GetDBDQuery()->KeyFields(); }
-
-TObjectList<TIndexsObject> TExQuery::GetIndexs() { return GetDBDQuery()->Indexs(); }
-
-QString TExQuery::GetKeyFieldStr() { return GetDBDQuery()->KeyFieldStr(); }
 
 TObjectList<TFieldsObject> TExQuery::GetFields() { return GetDBDQuery()->QueryFields(); }
 

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "datasets/ExCustomDataSet.h"
+#include "datasets/DefinedDataSet.h"
+#include "design/DBDQuery.h"
 
 #include <initializer_list>
 
 namespace Korvane {
 
-class TDBDQuery;
-
 /// The rows of one query of the design file. Changes go to its main table.
-class TExQuery : public TExCustomDataSet
+class TExQuery : public TDefinedDataSet<TDBDQuery>
 {
     Q_OBJECT
     Q_PROPERTY(QString Query READ Query WRITE SetQuery)
@@ -18,7 +17,7 @@ class TExQuery : public TExCustomDataSet
     Q_PROPERTY(QString WhereSQL READ WhereSQL WRITE SetWhereSQL)
 
 public:
-    using TExCustomDataSet::TExCustomDataSet;
+    using TDefinedDataSet::TDefinedDataSet;
 
     /// The query's code in the design file.
     const QString &Query() const { return FQuery; }
@@ -47,20 +46,11 @@ public:
     QString GetAutoValue() override;
     QString GetSelectSQL() override;
     QString GetSelectSQL(const QString &field, const QVariant &value, TOpenOption option) override;
-    QString GetInsertSQL(const TDBObject &object) override;
-    QString GetUpdateSQL(const TDBObject &object) override;
-    QString GetUpdateSQL(const TDBObject &object, const QString &field, const QVariant &value) override;
-    QString GetDeleteSQL(const TDBObject &object) override;
-    QString GetDeleteSQL(const TDBObject &object, const QString &field, const QVariant &value) override;
-    QString GetDeleteSQL(const QString &field, const QVariant &value) override;
-    std::shared_ptr<TFieldsObject> GetField(const QString &name) override;
     std::unique_ptr<TDBObject> GetDBObject() override;
-    TObjectList<TFieldsObject> GetKeyFields() override;
-    TObjectList<TIndexsObject> GetIndexs() override;
-    QString GetKeyFieldStr() override;
     TObjectList<TFieldsObject> GetFields() override;
 
 protected:
+    TDBDQuery *Definition() const override { return GetDBDQuery(); }
     bool HasDefinition() const override { return !FQuery.isEmpty(); }
     void CheckDefinition() const override;
 

@@ -2,7 +2,6 @@
 #include "datasets/ExTable.h"
 
 #include "design/DBDFile.h"
-#include "session/DBSession.h"
 
 namespace Korvane {
 
@@ -28,49 +27,11 @@ QString TExTable::GetSelectSQL(const QString &field, const QVariant &value, TOpe
     return GetDBDTable()->GetSelectSQL(Session().DBType(), field, value, option, AllowSelect());
 }
 
-QString TExTable::GetInsertSQL(const TDBObject &object) { return GetDBDTable()->GetInsertSQL(object); }
-
-QString TExTable::GetUpdateSQL(const TDBObject &object)
-{
-    return GetDBDTable()->GetUpdateSQL(Session().DBType(), object);
-}
-
-QString TExTable::GetUpdateSQL(const TDBObject &object, const QString &field, const QVariant &value)
-{
-    return GetDBDTable()->GetUpdateSQL(Session().DBType(), object, field, value);
-}
-
-QString TExTable::GetDeleteSQL(const TDBObject &object)
-{
-    return GetDBDTable()->GetDeleteSQL(Session().DBType(), object);
-}
-
-QString TExTable::GetDeleteSQL(const TDBObject &object, const QString &field, const QVariant &value)
-{
-    return GetDBDTable()->GetDeleteSQL(Session().DBType(), object, field, value);
-}
-
-QString TExTable::GetDeleteSQL(const QString &field, const QVariant &value)
-{
-    return GetDBDTable()->GetDeleteSQL(Session().DBType(), field, value);
-}
-
-std::shared_ptr<TFieldsObject> TExTable::GetField(const QString &name)
-{
-    return GetDBDTable()->GetField(name);
-}
-
 std::unique_ptr<TDBObject> TExTable::GetDBObject()
 {
     const auto table = GetDBDTable()->TableObject();
     return NewRecord(table ? table->TableClass : QString());
 }
-
-TObjectList<TFieldsObject> TExTable::GetKeyFields() { return GetDBDTable()->KeyFields(); }
-
-TObjectList<TIndexsObject> TExTable::GetIndexs() { return GetDBDTable()->Indexs(); }
-
-QString TExTable::GetKeyFieldStr() { return GetDBDTable()->KeyFieldStr(); }
 
 TObjectList<TFieldsObject> TExTable::GetFields() { return GetDBDTable()->TableFields(); }
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "datasets/ExCustomDataSet.h"
+#include "datasets/DefinedDataSet.h"
+#include "design/DBDTable.h"
 
 namespace Korvane {
-
-class TDBDTable;
 
 /// The rows of one table of the design file.
 ///
@@ -14,13 +13,13 @@ class TDBDTable;
 ///     customers.SetDBDFile(&design);
 ///     customers.SetDBSession(&session);
 ///     customers.OpenTable("GRADE='A'", "CUSTCODE", 100);
-class TExTable : public TExCustomDataSet
+class TExTable : public TDefinedDataSet<TDBDTable>
 {
     Q_OBJECT
     Q_PROPERTY(QString Table READ Table WRITE SetTable)
 
 public:
-    using TExCustomDataSet::TExCustomDataSet;
+    using TDefinedDataSet::TDefinedDataSet;
 
     /// The table's code in the design file.
     const QString &Table() const { return FTable; }
@@ -32,20 +31,11 @@ public:
     QString GetAutoValue() override;
     QString GetSelectSQL() override;
     QString GetSelectSQL(const QString &field, const QVariant &value, TOpenOption option) override;
-    QString GetInsertSQL(const TDBObject &object) override;
-    QString GetUpdateSQL(const TDBObject &object) override;
-    QString GetUpdateSQL(const TDBObject &object, const QString &field, const QVariant &value) override;
-    QString GetDeleteSQL(const TDBObject &object) override;
-    QString GetDeleteSQL(const TDBObject &object, const QString &field, const QVariant &value) override;
-    QString GetDeleteSQL(const QString &field, const QVariant &value) override;
-    std::shared_ptr<TFieldsObject> GetField(const QString &name) override;
     std::unique_ptr<TDBObject> GetDBObject() override;
-    TObjectList<TFieldsObject> GetKeyFields() override;
-    TObjectList<TIndexsObject> GetIndexs() override;
-    QString GetKeyFieldStr() override;
     TObjectList<TFieldsObject> GetFields() override;
 
 protected:
+    TDBDTable *Definition() const override { return GetDBDTable(); }
     bool HasDefinition() const override { return !FTable.isEmpty(); }
     void CheckDefinition() const override;
 

@@ -25,6 +25,16 @@ TCellReading ReadingOf(TFieldType type)
     }
 }
 
+bool IsPlain(const TField &field, TCellReading reading)
+{
+    if (field.Calculated())
+        return false;
+    const TColumnKind kind = ColumnKindOf(field.DataType());
+    return (reading == TCellReading::Text && kind == TColumnKind::Text) ||
+           (reading == TCellReading::Integer && kind == TColumnKind::Int32) ||
+           (reading == TCellReading::Float && kind == TColumnKind::Double);
+}
+
 /// Whether two lists are one and the same, not only equal.
 template <class List> bool AreOne(const List &left, const List &right)
 {
@@ -71,11 +81,12 @@ void TMappedCell::Write(TDBObject &object, double value) const
 void TRowMapping::Aim(const TDBObject &object, const TObjectList<TFieldsObject> &definition,
                       const TDataSet &target, const TDataSet &source)
 {
-    const TClassInfo &info = ClassOf(object);
-    if (FMeta == info.Meta && AreOne(FDefinition, definition) && AreOne(FTargetFields, target.Fields()) &&
+    if (FType && *FType == typeid(object) && FRegistryVersion == RegistryVersion() &&
+        AreOne(FDefinition, definition) && AreOne(FTargetFields, target.Fields()) &&
         AreOne(FSourceFields, source.Fields()))
         return;
-    FMeta = nullptr; // until it is whole
+    const TClassInfo &info = ClassOf(object);
+    FType = nullptr; // until it is whole
     FClassName = info.Name;
     FCells.clear();
     const TRecordBinding binding(info, definition);
@@ -84,12 +95,15 @@ void TRowMapping::Aim(const TDBObject &object, const TObjectList<TFieldsObject> 
         if (!target.FindField(field.FieldCode))
             continue;
         TField *cell = source.FieldByName(field.FieldCode);
-        FCells.push_back({cell, binding.Field(i).Property, field.FieldProp, ReadingOf(cell->DataType())});
+        const TCellReading reading = ReadingOf(cell->DataType());
+        FCells.push_back({cell, binding.Field(i).Property, field.FieldProp, reading,
+                          IsPlain(*cell, reading) ? cell->FieldNo() : -1});
     }
     FDefinition = definition;
     FTargetFields = target.Fields();
     FSourceFields = source.Fields();
-    FMeta = info.Meta;
+    FType = &typeid(object);
+    FRegistryVersion = RegistryVersion();
 }
 
 void TRecordMapping::Aim(const TDBObject &object, const TDataSet &target, const QString &autoField,

@@ -4,6 +4,8 @@
 #include "design/RecordBinding.h"
 #include "platform/data/dataset/DataSet.h"
 
+#include <typeinfo>
+
 namespace Korvane {
 
 /// How a field's value is read for a property.
@@ -16,6 +18,9 @@ struct TMappedCell
     const TPropInfo *Property; ///< null when the class has none of the name
     QString FieldProp;
     TCellReading Reading;
+    /// The column in the source's rows where its value stands just as it is read; -1 where the field
+    /// has to convert it.
+    int Column;
 
     /// Writes the value, of a Boolean property "Y" as true. Raises EPropertyError.
     void Write(TDBObject &object, const QString &value) const;
@@ -43,7 +48,8 @@ public:
 private:
     // What it stands for. NOTE: the lists are kept, so that no other can come to lie where
     // they lie; that the place is the same tells that they are.
-    const QMetaObject *FMeta = nullptr;
+    const std::type_info *FType = nullptr;
+    quint64 FRegistryVersion = 0;
     TObjectList<TFieldsObject> FDefinition;
     QList<TField *> FTargetFields;
     QList<TField *> FSourceFields;
