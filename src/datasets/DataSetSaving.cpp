@@ -157,18 +157,20 @@ QString TExCustomDataSet::ServerTime()
 void TExCustomDataSet::UpdateAuditColumns(const QString &statement, const QString &now, bool isNew,
                                           bool evenWithoutWhere)
 {
-    // Values go in as they are. NOTE: the keys are part of the format, so that a "%" in one is
-    // a placeholder.
-    const QString columns =
-        isNew ? Format(QStringLiteral("CREATOR='%s', CREATEDATE='%s', MODIFIER='%s', MODIFYDATE='%s', "
-                                      "CREATORGROUP='%s'"),
-                       {AUserCode, now, AUserCode, now, AUserGroup})
-              : Format(QStringLiteral("MODIFIER='%s', MODIFYDATE='%s'"), {AUserCode, now});
+    // Values go in as they are.
+    const QString changed = QStringLiteral("MODIFIER='") + AUserCode + QStringLiteral("', MODIFYDATE='") +
+                            now + QLatin1Char('\'');
+    const QString columns = !isNew ? changed
+                                   : QStringLiteral("CREATOR='") + AUserCode +
+                                         QStringLiteral("', CREATEDATE='") + now + QStringLiteral("', ") +
+                                         changed + QStringLiteral(", CREATORGROUP='") + AUserGroup +
+                                         QLatin1Char('\'');
     QString update = statement;
     ReplaceFirst(update, QStringLiteral("delete from "), QStringLiteral("update "));
     if (!ReplaceFirst(update, QStringLiteral(" where "), QStringLiteral(" set %s where ")) &&
         evenWithoutWhere)
         update += QStringLiteral(" set %s");
+    // NOTE: the keys are part of the format, so that a "%" in one is a placeholder.
     Session().Execute(Format(update, {columns}), nullptr);
 }
 

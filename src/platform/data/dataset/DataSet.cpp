@@ -420,7 +420,8 @@ void TDataSet::Notify(TDataEvent event, TField *field, qsizetype distance)
     if (event == deUpdateState)
         FToldState = FState;
     // NOTE: a source may leave, or die, while others are told.
-    for (TDataSource *source : QList(FSources))
+    const QList<TDataSource *> sources = FSources;
+    for (TDataSource *source : sources)
         if (FSources.contains(source))
             source->Notify(event, field, distance);
 }
