@@ -11,13 +11,15 @@
 #include <chrono>
 #include <cstdio>
 
+#include <malloc.h>
+
 namespace Bench {
 
 namespace {
 
-constexpr int Repetitions = 7;
+constexpr auto AmountCounter = "amount";
 
-/// Collects the time of each repetition by the benchmark's name.
+/// Collects what each repetition measured by the benchmark's name.
 class TCollector : public benchmark::ConsoleReporter
 {
 public:
@@ -28,20 +30,27 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run &run : runs)
             if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                Times[QString::fromStdString(run.run_name.function_name)].append(run.real_accumulated_time /
-                                                                                 double(run.iterations));
+                Amounts[QString::fromStdString(run.run_name.function_name)].append(AmountOf(run));
     }
 
     double Median(const QString &name) const
     {
-        QList<double> times = Times.value(name);
-        if (times.isEmpty())
+        QList<double> amounts = Amounts.value(name);
+        if (amounts.isEmpty())
             return 0;
-        std::sort(times.begin(), times.end());
-        return times[times.size() / 2];
+        std::sort(amounts.begin(), amounts.end());
+        return amounts[amounts.size() / 2];
     }
 
-    QHash<QString, QList<double>> Times;
+    QHash<QString, QList<double>> Amounts;
+
+private:
+    static double AmountOf(const Run &run)
+    {
+        const auto counter = run.counters.find(AmountCounter);
+        return counter != run.counters.end() ? double(counter->second)
+                                             : run.real_accumulated_time / double(run.iterations);
+    }
 };
 
 QString TimeText(double seconds)
@@ -53,24 +62,45 @@ QString TimeText(double seconds)
                            : QString::number(seconds, 'f', 3) + QStringLiteral(" s");
 }
 
-void Register(const QString &name, const std::function<void()> &work, const std::function<void()> &prepare)
+QString BytesText(double bytes)
 {
-    benchmark::RegisterBenchmark(
-        name.toStdString().c_str(),
-        [work, prepare](benchmark::State &state) {
+    return bytes > 0 ? QString::number(bytes / (1 << 20), 'f', 2) + QStringLiteral(" MiB")
+                     : QStringLiteral("-");
+}
+
+double SecondsOf(const std::function<void()> &work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// What the program holds of the allocator, in its arenas and in mappings.
+double HeapInUse()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    return double(heap.uordblks) + double(heap.hblkhd);
+}
+
+void Register(const QString &name, const TWork &work, const TComparison &comparison)
+{
+    auto *registered = benchmark::RegisterBenchmark(
+        name.toStdString().c_str(), [work, prepare = comparison.Prepare](benchmark::State &state) {
             for ([[maybe_unused]] auto unused : state) {
                 if (prepare)
                     prepare();
-                const auto begin = std::chrono::steady_clock::now();
-                work();
-                state.SetIterationTime(
-                    std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+                if (work.MeasuresMemory())
+                    state.SetIterationTime(
+                        SecondsOf([&] { state.counters[AmountCounter] = work.Measure(); }));
+                else
+                    state.SetIterationTime(work.Measure());
             }
-        })
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->Repetitions(Repetitions)
-        ->MinTime(0.05);
+        });
+    registered->UseManualTime()->Unit(benchmark::kMillisecond)->Repetitions(comparison.Repetitions);
+    if (work.MeasuresMemory())
+        registered->Iterations(1);
+    else
+        registered->MinTime(0.05);
 }
 
 void PrintAligned(const QList<QStringList> &rows)
@@ -93,15 +123,21 @@ QStringList RowOf(const TComparison &comparison, const TCollector &collector, bo
     const double ours = collector.Median(comparison.What + QStringLiteral("/ours"));
     const double peer = collector.Median(comparison.What + QStringLiteral("/peer")) * comparison.PeerScale;
     const double ratio = ours > 0 && peer > 0 ? peer / ours : 0;
-    holds = comparison.Goal.Kind == TGoal::None || comparison.Goal.Holds(ratio);
+    const auto text = comparison.Ours.MeasuresMemory() ? BytesText : TimeText;
+    const bool hasGoal = comparison.Goal.Kind != TGoal::None;
+    holds = !hasGoal || comparison.Goal.Holds(ratio);
+    QString verdict = !hasGoal ? QStringLiteral("-") : holds ? QStringLiteral("yes") : QStringLiteral("NO");
+    if (ratio > 0 && comparison.Same && !comparison.Same()) {
+        holds = false;
+        verdict = QStringLiteral("NO: the results differ");
+    }
     return {comparison.What,
-            TimeText(ours),
-            comparison.Theirs ? TimeText(peer) + QStringLiteral(" (") + comparison.Peer + QLatin1Char(')')
+            text(ours),
+            comparison.Theirs ? text(peer) + QStringLiteral(" (") + comparison.Peer + QLatin1Char(')')
                               : QStringLiteral("-"),
             ratio > 0 ? QString::number(ratio, 'f', 2) : QStringLiteral("-"),
             comparison.Goal.Text(),
-            comparison.Goal.Kind == TGoal::None ? QStringLiteral("-")
-                                                : (holds ? QStringLiteral("yes") : QStringLiteral("NO"))};
+            verdict};
 }
 
 } // namespace
@@ -113,6 +149,8 @@ QString TGoal::Text() const
         return QStringLiteral("at least %1 times as fast").arg(Factor);
     case WithinTimesItsTime:
         return QStringLiteral("within %1 of its time").arg(Factor);
+    case AtMostItsShare:
+        return QStringLiteral("at most %1 of it").arg(Factor, 0, 'g', 3);
     case None:
         break;
     }
@@ -125,6 +163,7 @@ bool TGoal::Holds(double ratio) const
     case AtLeastTimesAsFast:
         return ratio >= Factor;
     case WithinTimesItsTime:
+    case AtMostItsShare:
         return ratio > 0 && 1 / ratio <= Factor;
     case None:
         break;
@@ -132,13 +171,22 @@ bool TGoal::Holds(double ratio) const
     return true;
 }
 
+double TWork::Measure() const
+{
+    if (FRun)
+        return SecondsOf(FRun);
+    const double before = HeapInUse();
+    const std::shared_ptr<void> made = FMake();
+    return HeapInUse() - before;
+}
+
 bool RunComparisons(const QList<TComparison> &comparisons, const QString &tableFile, int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
     for (const TComparison &comparison : comparisons) {
-        Register(comparison.What + QStringLiteral("/ours"), comparison.Ours, comparison.Prepare);
+        Register(comparison.What + QStringLiteral("/ours"), comparison.Ours, comparison);
         if (comparison.Theirs)
-            Register(comparison.What + QStringLiteral("/peer"), comparison.Theirs, comparison.Prepare);
+            Register(comparison.What + QStringLiteral("/peer"), comparison.Theirs, comparison);
     }
     TCollector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
@@ -147,7 +195,7 @@ bool RunComparisons(const QList<TComparison> &comparisons, const QString &tableF
     QList<QStringList> rows = {{QStringLiteral("what"), QStringLiteral("ours"), QStringLiteral("peer"),
                                 QStringLiteral("ratio"), QStringLiteral("goal"), QStringLiteral("holds")}};
     for (const TComparison &comparison : comparisons) {
-        if (!collector.Times.contains(comparison.What + QStringLiteral("/ours")))
+        if (!collector.Amounts.contains(comparison.What + QStringLiteral("/ours")))
             continue; // left out by a filter
         bool holds = true;
         rows.append(RowOf(comparison, collector, holds));

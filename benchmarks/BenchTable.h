@@ -4,24 +4,53 @@
 #include <QList>
 #include <QString>
 
+#include <concepts>
 #include <functional>
+#include <memory>
+#include <type_traits>
 
 namespace Bench {
 
 /// What a row of the table must show.
 struct TGoal
 {
-    enum TKind { None, AtLeastTimesAsFast, WithinTimesItsTime };
+    enum TKind { None, AtLeastTimesAsFast, WithinTimesItsTime, AtMostItsShare };
     TKind Kind = None;
     double Factor = 0;
 
     QString Text() const;
-    /// ratio is the peer's time by ours.
+    /// ratio is the peer's time or amount by ours.
     bool Holds(double ratio) const;
 };
 
 inline TGoal AtLeast(double factor) { return {TGoal::AtLeastTimesAsFast, factor}; }
 inline TGoal Within(double factor) { return {TGoal::WithinTimesItsTime, factor}; }
+inline TGoal AtMost(double share) { return {TGoal::AtMostItsShare, share}; }
+
+/// A piece of work to be measured: by its time; or, if it returns an object that it has made, by
+/// the bytes of heap memory that are in use because of that object.
+class TWork
+{
+public:
+    TWork() = default;
+    template <class Work>
+    requires std::invocable<Work &> TWork(Work work)
+    {
+        if constexpr (std::is_void_v<std::invoke_result_t<Work &>>)
+            FRun = std::move(work);
+        else
+            FMake = std::move(work);
+    }
+
+    explicit operator bool() const { return FRun || FMake; }
+    bool MeasuresMemory() const { return bool(FMake); }
+    /// Does the work and gives seconds or bytes.
+    double Measure() const;
+
+private:
+    std::function<void()> FRun;
+    std::function<std::shared_ptr<void>()> FMake;
+};
 
 /// One comparison: two pieces of work that do the same, ours and a peer's.
 struct TComparison
@@ -29,18 +58,21 @@ struct TComparison
     QString What;
     QString Peer;
     TGoal Goal;
-    std::function<void()> Ours;
-    std::function<void()> Theirs; ///< empty where there is nothing to compare with
-    /// Runs before each measured run of either, outside of the measured time.
+    TWork Ours;
+    TWork Theirs; ///< empty where there is nothing to compare with
+    /// Runs before each measured run of either, outside of what is measured.
     std::function<void()> Prepare = {};
     /// How often the peer's work would have to be done to equal ours: a slow peer is measured
     /// on a part, and its time is multiplied by this.
     double PeerScale = 1;
+    int Repetitions = 7;
+    /// Whether both came to the same result. Asked once, when all is measured.
+    std::function<bool()> Same = {};
 };
 
 /// Runs all comparisons with Google Benchmark, ours and peers in turn, prints the table of
-/// medians and writes it to a file: what, ours, peer, ratio (peer's time by ours), goal, holds.
-/// Returns false when a goal does not hold.
+/// medians and writes it to a file: what, ours, peer, ratio (the peer's time or bytes by ours),
+/// goal, holds. Returns false when a goal does not hold or two results differ.
 bool RunComparisons(const QList<TComparison> &comparisons, const QString &tableFile, int argc, char **argv);
 
 /// Keeps a value from being optimised away.

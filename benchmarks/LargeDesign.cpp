@@ -110,12 +110,17 @@ QByteArray SampleJetPage()
 QString LargeTableCode(int table) { return QStringLiteral("TABLE%1").arg(table, 3, 10, QLatin1Char('0')); }
 QString LargeFieldCode(int field) { return QStringLiteral("FIELD%1").arg(field, 2, 10, QLatin1Char('0')); }
 
-void MakeLargeDesign(const QString &fileName)
+void MakeEmptyDesign(const QString &fileName)
 {
     QFile::remove(fileName);
-    TSqliteDatabase database(fileName, TSqliteOpen::Create);
+    TSqliteDatabase(fileName, TSqliteOpen::Create).Run(Schema);
+}
+
+void MakeLargeDesign(const QString &fileName)
+{
+    MakeEmptyDesign(fileName);
+    TSqliteDatabase database(fileName, TSqliteOpen::ReadWrite);
     database.Run("begin");
-    database.Run(Schema);
     TSqliteStatement tables(database, "insert into Tables values(?, ?, ?, null)");
     TSqliteStatement fields(database, "insert into Fields values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     TSqliteStatement indexs(database, "insert into Indexs values(?, ?, null, ?, 'N', 'N')");

@@ -17,7 +17,9 @@ inline constexpr std::array DesignTables = {"Tables", "Querys",  "Commands", "Fi
 QString LargeTableCode(int table);
 QString LargeFieldCode(int field);
 
-/// Makes a design store (SQLite) of 300 tables with 40 fields and two indexes each, with an
+/// Makes a design store (SQLite) without rows.
+void MakeEmptyDesign(const QString &fileName);
+/// Makes a design store of 300 tables with 40 fields and two indexes each, with an
 /// index on (TableCode, FieldCode) so that a peer's lookup need not scan.
 void MakeLargeDesign(const QString &fileName);
 /// Writes the tables of that store as a Jet 4 file.

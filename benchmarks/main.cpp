@@ -2,7 +2,10 @@
 // Measures the library beside its peers, in one process and one run.
 //
 //     korvane_bench --work FOLDER [--benchmark_filter=…]
+#include "DataSetBenchmarks.h"
 #include "DesignBenchmarks.h"
+#include "LargeTable.h"
+#include "SaveBenchmarks.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -24,8 +27,9 @@ int main(int argc, char **argv)
             rest.append(argv[i]);
     }
     QDir().mkpath(folder);
-    const bool holds = Bench::RunComparisons(Bench::DesignComparisons(folder),
-                                             QDir(folder).filePath(QStringLiteral("table.tsv")),
-                                             int(rest.size()), rest.data());
+    const auto table = std::make_shared<Bench::TLargeTable>(folder);
+    const bool holds = Bench::RunComparisons(
+        Bench::DesignComparisons(folder) + Bench::DataSetComparisons(table) + Bench::SaveComparisons(table),
+        QDir(folder).filePath(QStringLiteral("table.tsv")), int(rest.size()), rest.data());
     return holds ? 0 : 1;
 }
