@@ -148,9 +148,15 @@ bool ReplaceFirst(QString &text, const QString &old, const QString &replacement)
 
 } // namespace
 
-QString TExCustomDataSet::ServerTime()
+/// Asks the server; many rows are saved in the same second.
+const QString &TExCustomDataSet::ServerTime()
 {
-    return FormatDateTime(QStringLiteral("yyyymmddhhmmss"), Session().GetDateTime());
+    const TDateTime now = Session().GetDateTime();
+    if (now != FServerTime || FServerTimeText.isEmpty()) {
+        FServerTime = now;
+        FServerTimeText = FormatDateTime(QStringLiteral("yyyymmddhhmmss"), now);
+    }
+    return FServerTimeText;
 }
 
 /// Makes the update out of the statement that would delete the rows.

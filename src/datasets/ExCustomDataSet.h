@@ -301,7 +301,7 @@ private:
     static QVariant ValuesOf(const QList<TField *> &fields);
     void SaveDeltaRow(TClientDataSet &delta, const QList<TField *> &keys, std::unique_ptr<TDBObject> &object);
     void UpdateAuditColumns(const QString &statement, const QString &now, bool isNew, bool evenWithoutWhere);
-    QString ServerTime();
+    const QString &ServerTime();
     void CheckRequired();
     bool IsKeyChanged(const QStringList &names, const QVariant &values);
     void CheckKeyInMemory(QStringList names, QVariant values);
@@ -334,6 +334,8 @@ private:
     TUpdateType FUpdateType = utChanged;
     bool FIgnoreCheck = false;
 
+    TDateTime FServerTime; // and what it looks like in the audit columns
+    QString FServerTimeText;
     // The class that NewRecord was last asked for.
     const TClassInfo *FRecordClass = nullptr;
     QString FRecordClassName;

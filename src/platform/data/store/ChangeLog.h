@@ -4,7 +4,6 @@
 #include "platform/data/FieldTypes.h"
 #include "platform/data/store/RowValues.h"
 
-#include <map>
 #include <memory>
 #include <unordered_map>
 
@@ -25,28 +24,34 @@ struct TChange
 class TChangeLog
 {
 public:
-    qsizetype Count() const { return qsizetype(FEntries.size()); }
-    bool IsEmpty() const { return FEntries.empty(); }
-    /// Null if the record has not changed.
+    qsizetype Count() const { return qsizetype(FPlaces.size()); }
+    bool IsEmpty() const { return FPlaces.empty(); }
+    /// Null if the record has not changed; good until the log changes.
     const TChange *Find(quint32 record) const
     {
+        if (FPlaces.empty())
+            return nullptr;
         const auto place = FPlaces.find(record);
-        return place == FPlaces.end() ? nullptr : &FEntries.at(place->second);
+        return place == FPlaces.end() ? nullptr : &FEntries[place->second];
     }
     /// Null for an empty log.
-    const TChange *Last() const { return FEntries.empty() ? nullptr : &FEntries.rbegin()->second; }
+    const TChange *Last() const { return FEntries.empty() ? nullptr : &FEntries.back(); }
 
     void Add(TChange change)
     {
-        FPlaces[change.Record] = FNext;
-        FEntries.emplace_hint(FEntries.end(), FNext++, std::move(change));
+        FPlaces[change.Record] = FEntries.size();
+        FEntries.push_back(std::move(change));
     }
-    void SetStatus(quint32 record, TUpdateStatus status) { FEntries.at(FPlaces.at(record)).Status = status; }
+    void SetStatus(quint32 record, TUpdateStatus status) { FEntries[FPlaces.at(record)].Status = status; }
     void Remove(quint32 record)
     {
         const auto place = FPlaces.find(record);
-        FEntries.erase(place->second);
+        FEntries[place->second] = {}; // unmodified: no entry
         FPlaces.erase(place);
+        while (!FEntries.empty() && FEntries.back().Status == usUnmodified)
+            FEntries.pop_back();
+        if (FEntries.size() > 2 * FPlaces.size() + 16)
+            CloseGaps();
     }
     void Clear()
     {
@@ -57,25 +62,32 @@ public:
     /// Calls visit(const TChange &) for each, in order.
     template <class Visit> void ForEach(Visit visit) const
     {
-        for (const auto &[place, change] : FEntries)
-            visit(change);
+        for (const TChange &change : FEntries)
+            if (change.Status != usUnmodified)
+                visit(change);
     }
 
     /// Bytes held in memory.
     qsizetype MemoryUsage() const
     {
-        qsizetype bytes = Count() * qsizetype(sizeof(TChange) + NodesSize);
-        for (const auto &[place, change] : FEntries)
+        qsizetype bytes = qsizetype(FEntries.capacity() * sizeof(TChange)) + Count() * qsizetype(PlaceSize);
+        for (const TChange &change : FEntries)
             bytes += change.Stored ? change.Stored->MemoryUsage() : 0;
         return bytes;
     }
 
 private:
-    static constexpr size_t NodesSize = 12 * sizeof(void *); // an entry's places in the maps, about
+    static constexpr size_t PlaceSize = 5 * sizeof(void *); // of an entry in the map, about
 
-    std::map<quint64, TChange> FEntries; // by the order of entering
-    std::unordered_map<quint32, quint64> FPlaces;
-    quint64 FNext = 0;
+    void CloseGaps()
+    {
+        std::erase_if(FEntries, [](const TChange &change) { return change.Status == usUnmodified; });
+        for (size_t place = 0; place < FEntries.size(); ++place)
+            FPlaces[FEntries[place].Record] = place;
+    }
+
+    std::vector<TChange> FEntries; // in the order of entering, with gaps where one has left
+    std::unordered_map<quint32, size_t> FPlaces;
 };
 
 } // namespace Korvane
