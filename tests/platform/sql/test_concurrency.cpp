@@ -61,6 +61,21 @@ TEST_P(Concurrency, connecting_and_leaving_at_once_fails_nobody)
     EXPECT_EQ(Rows(*FDatabase.Connect(), u"select N from T"_s), u"200"_s);
 }
 
+// The last one to leave takes the log away. Another process must not take itself for the last one because a
+// second connection of this process has come and gone.
+TEST_P(Concurrency, a_second_connection_leaves_the_locks_of_the_first)
+{
+    FDatabase.Connect();
+    EXPECT_EQ(Rows(*FHolder, u"select count(*) from T"_s), u"0"_s);
+    OtherUser user;
+    ASSERT_EQ(user.Ask(u"connect"_s, FDatabase.ConnectionString()), u"ok"_s);
+    ASSERT_EQ(user.Ask(u"disconnect"_s), u"ok"_s);
+    EXPECT_TRUE(QFile::exists(FDatabase.FileName() + u"-wal"_s));
+    FHolder->Execute(u"insert into T values(1, 1)"_s);
+    ASSERT_EQ(user.Ask(u"connect"_s, FDatabase.ConnectionString()), u"ok"_s);
+    EXPECT_EQ(user.Ask(u"rows"_s, u"select N from T"_s), u"1"_s);
+}
+
 TEST_P(Concurrency, what_a_lock_holds_up_waits_as_long_as_the_timeout_says)
 {
     RunAll(*FHolder, {u"insert into T values(1, 1)"_s});

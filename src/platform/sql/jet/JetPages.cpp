@@ -3,6 +3,7 @@
 
 #include "platform/sql/SqlError.h"
 #include "platform/sql/jet/JetValue.h"
+#include "platform/sql/sqlite/DatabaseFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -78,8 +79,14 @@ TJetPages::~TJetPages() = default;
 
 bool TJetPages::HasMagic(const QString &fileName)
 {
-    QFile file(fileName);
-    return !fileName.isEmpty() && file.open(QIODevice::ReadOnly) && IsMagic(file.read(0x18));
+    if (!QFileInfo(fileName).isFile())
+        return false;
+    try {
+        // NOTE: it may be a database of the embedded engine that is in use.
+        return IsMagic(FirstBytesOf(fileName, 0x18));
+    } catch (const ESqlError &) {
+        return false;
+    }
 }
 
 // libmdb has just read and unmasked the first page. It knows the first 14 bytes of a Jet 3

@@ -29,14 +29,23 @@ void CheckHeader(const QString &fileName)
         throw ESqlError(QStringLiteral("找不到数据库文件：%1").arg(fileName));
     if (info.isDir())
         throw ESqlError(QStringLiteral("这是文件夹，不是数据库文件：%1").arg(fileName));
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throw ESqlError(QStringLiteral("不能打开数据库文件：%1（%2）").arg(fileName, file.errorString()));
-    if (file.read(16) != QByteArray("SQLite format 3\0", 16))
+    if (FirstBytesOf(fileName, 16) != QByteArray("SQLite format 3\0", 16))
         throw ESqlError(QStringLiteral("不是有效的数据库文件：%1").arg(fileName));
 }
 
 } // namespace
+
+QByteArray FirstBytesOf(const QString &fileName, int count)
+{
+    const TSqliteDatabase opened(fileName, TSqliteOpen::ReadOnly);
+    sqlite3_file *file = nullptr;
+    sqlite3_file_control(opened.Handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    QByteArray bytes(qMin<qint64>(count, QFileInfo(fileName).size()), '\0');
+    if (!bytes.isEmpty() && (!file || !file->pMethods ||
+                             file->pMethods->xRead(file, bytes.data(), int(bytes.size()), 0) != SQLITE_OK))
+        throw ESqlError(QStringLiteral("不能打开数据库文件：%1").arg(fileName), SQLITE_IOERR);
+    return bytes;
+}
 
 std::unique_ptr<TSqliteDatabase> OpenDatabaseFile(const QString &fileName, TSqliteOpen mode, int timeout)
 {

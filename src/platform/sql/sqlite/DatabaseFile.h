@@ -7,6 +7,11 @@
 
 namespace Korvane {
 
+/// The first bytes of a file, fewer of a shorter one. Read through the engine: closing any other descriptor
+/// of a database's file would drop the locks that this process has on it (fcntl(2)). Raises ESqlError when
+/// the file cannot be read.
+QByteArray FirstBytesOf(const QString &fileName, int count);
+
 /// Opens a database file after looking at what it is. Raises ESqlError with the file's name
 /// when it is missing, a folder, empty, of another format or cannot be read. Another user's
 /// lock is waited for, now and later, as long as is told, in seconds.
