@@ -92,16 +92,6 @@ TDataPacket::TDataPacket()
 
 TDataPacket::TDataPacket(std::shared_ptr<const TTable> table) : FTable(std::move(table)) {}
 
-int TDataPacket::FieldCount() const { return int(FTable->Columns.size()); }
-
-qsizetype TDataPacket::RowCount() const { return FTable->RowCount; }
-
-const TPacketField &TDataPacket::Field(int index) const { return FTable->Fields[index]; }
-
-const TPacketColumn &TDataPacket::Column(int index) const { return FTable->Columns[size_t(index)]; }
-
-const QList<TPacketField> &TDataPacket::Fields() const { return FTable->Fields; }
-
 int TDataPacket::IndexOf(QStringView name) const
 {
     for (int i = 0; i < FieldCount(); ++i) {

@@ -114,11 +114,11 @@ public:
 
     TDataPacket();
 
-    int FieldCount() const;
-    qsizetype RowCount() const;
-    const TPacketField &Field(int index) const;
-    const TPacketColumn &Column(int index) const;
-    const QList<TPacketField> &Fields() const;
+    int FieldCount() const { return int(FTable->Columns.size()); }
+    qsizetype RowCount() const { return FTable->RowCount; }
+    const TPacketField &Field(int index) const { return FTable->Fields[index]; }
+    const TPacketColumn &Column(int index) const { return FTable->Columns[size_t(index)]; }
+    const QList<TPacketField> &Fields() const { return FTable->Fields; }
     /// Index of the field of a name, blind to the case of letters; -1 if there is none. Of
     /// several fields of the name it is the first.
     int IndexOf(QStringView name) const;

@@ -9,6 +9,22 @@ namespace {
 
 constexpr size_t None = size_t(-1);
 
+/// Where the first occurrence of a piece ends, which must not be empty. Looks for its last byte: most
+/// Han characters share their first one.
+size_t FindBehind(std::string_view text, std::string_view piece)
+{
+    const size_t before = piece.size() - 1;
+    for (size_t at = before; at < text.size(); ++at) {
+        const void *last = std::memchr(text.data() + at, piece[before], text.size() - at);
+        if (!last)
+            return None;
+        at = size_t(static_cast<const char *>(last) - text.data());
+        if (std::memcmp(text.data() + at - before, piece.data(), before) == 0)
+            return at + 1;
+    }
+    return None;
+}
+
 } // namespace
 
 TLikePattern::TLikePattern(std::string_view text, const TLikeSyntax &syntax) : FSyntax(syntax)
@@ -67,10 +83,10 @@ bool TLikePattern::MatchesPieces(std::string_view text) const
     text = text.substr(first.size(), text.size() - first.size() - last.size());
     for (size_t i = 1; i + 1 < FPieces.size(); ++i) {
         const std::string &piece = FPieces[i];
-        const void *found = memmem(text.data(), text.size(), piece.data(), piece.size());
-        if (!found)
+        const size_t behind = FindBehind(text, piece);
+        if (behind == None)
             return false;
-        text.remove_prefix(size_t(static_cast<const char *>(found) - text.data()) + piece.size());
+        text.remove_prefix(behind);
     }
     return true;
 }
