@@ -82,25 +82,40 @@ double HeapInUse()
     return double(heap.uordblks) + double(heap.hblkhd);
 }
 
-void Register(const QString &name, const TWork &work, const TComparison &comparison)
+void Register(const QString &name, const TWork &work, const std::function<void()> &prepare, int repetitions)
 {
-    auto *registered = benchmark::RegisterBenchmark(
-        name.toStdString().c_str(), [work, prepare = comparison.Prepare](benchmark::State &state) {
-            for ([[maybe_unused]] auto unused : state) {
-                if (prepare)
-                    prepare();
-                if (work.MeasuresMemory())
-                    state.SetIterationTime(
-                        SecondsOf([&] { state.counters[AmountCounter] = work.Measure(); }));
-                else
-                    state.SetIterationTime(work.Measure());
-            }
-        });
-    registered->UseManualTime()->Unit(benchmark::kMillisecond)->Repetitions(comparison.Repetitions);
+    auto *registered = benchmark::RegisterBenchmark(name.toStdString().c_str(), [work, prepare](
+                                                                                    benchmark::State &state) {
+        for ([[maybe_unused]] auto unused : state) {
+            prepare();
+            if (work.MeasuresMemory())
+                state.SetIterationTime(SecondsOf([&] { state.counters[AmountCounter] = work.Measure(); }));
+            else
+                state.SetIterationTime(work.Measure());
+        }
+    });
+    registered->UseManualTime()->Unit(benchmark::kMillisecond)->Repetitions(repetitions);
     if (work.MeasuresMemory())
         registered->Iterations(1);
     else
         registered->MinTime(0.05);
+}
+
+void Register(const TComparison &comparison)
+{
+    const auto prepare = [comparison] {
+        if (comparison.Prepare)
+            comparison.Prepare();
+    };
+    const auto preparePeer = [comparison, prepare] {
+        prepare();
+        if (comparison.PreparePeer)
+            comparison.PreparePeer();
+    };
+    Register(comparison.What + QStringLiteral("/ours"), comparison.Ours, prepare, comparison.Repetitions);
+    if (comparison.Theirs)
+        Register(comparison.What + QStringLiteral("/peer"), comparison.Theirs, preparePeer,
+                 comparison.PeerRepetitions > 0 ? comparison.PeerRepetitions : comparison.Repetitions);
 }
 
 void PrintAligned(const QList<QStringList> &rows)
@@ -183,11 +198,8 @@ double TWork::Measure() const
 bool RunComparisons(const QList<TComparison> &comparisons, const QString &tableFile, int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
-    for (const TComparison &comparison : comparisons) {
-        Register(comparison.What + QStringLiteral("/ours"), comparison.Ours, comparison);
-        if (comparison.Theirs)
-            Register(comparison.What + QStringLiteral("/peer"), comparison.Theirs, comparison);
-    }
+    for (const TComparison &comparison : comparisons)
+        Register(comparison);
     TCollector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
 

@@ -65,7 +65,11 @@ struct TComparison
     /// How often the peer's work would have to be done to equal ours: a slow peer is measured
     /// on a part, and its time is multiplied by this.
     double PeerScale = 1;
+    /// Runs before each measured run of the peer alone, behind Prepare.
+    std::function<void()> PreparePeer = {};
     int Repetitions = 7;
+    /// Of a peer that takes long; 0 for as many as ours.
+    int PeerRepetitions = 0;
     /// Whether both came to the same result. Asked once, when all is measured.
     std::function<bool()> Same = {};
 };

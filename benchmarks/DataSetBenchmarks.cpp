@@ -296,12 +296,10 @@ TComparison SortByText(const TItemsPtr &items)
             .Goal = AtLeast(20),
             .Ours = [items] { items->DataSet(ByText).SetIndexFieldNames(LargeColumns[lcName]); },
             .Theirs = [items] { items->Proxy(ByText).sort(PlaceOf(lcName)); },
-            .Prepare =
-                [items] {
-                    items->DataSet(ByText).SetIndexFieldNames({});
-                    UnsortProxy(items->Proxy(ByText));
-                },
-            .Repetitions = 3,
+            .Prepare = [items] { items->DataSet(ByText).SetIndexFieldNames({}); },
+            .PreparePeer = [items] { UnsortProxy(items->Proxy(ByText)); },
+            .Repetitions = 5,
+            .PeerRepetitions = 1,
             .Same =
                 [items] {
                     items->DataSet(ByText).SetIndexFieldNames(LargeColumns[lcName]);
@@ -376,8 +374,8 @@ TComparison FilterText(const TItemsPtr &items)
         proxy.setFilterRegularExpression(QStringLiteral("钢.*栓M8"));
         Use(proxy.rowCount());
     };
-    const auto prepare = [items] {
-        items->DataSet(ByFilter).SetFiltered(false);
+    const auto prepare = [items] { items->DataSet(ByFilter).SetFiltered(false); };
+    const auto preparePeer = [items] {
         QSortFilterProxyModel &proxy = items->Proxy(ByFilter);
         proxy.setFilterKeyColumn(PlaceOf(lcName));
         proxy.setFilterRegularExpression(QString());
@@ -390,9 +388,10 @@ TComparison FilterText(const TItemsPtr &items)
             .Ours = ours,
             .Theirs = theirs,
             .Prepare = prepare,
+            .PreparePeer = preparePeer,
             .Repetitions = 5,
-            .Same = [items, ours, theirs, prepare] {
-                prepare(), ours(), theirs();
+            .Same = [items, ours, theirs, prepare, preparePeer] {
+                prepare(), preparePeer(), ours(), theirs();
                 const auto rows = RowNumbers(items->DataSet(ByFilter));
                 return !rows.empty() && rows == RowNumbers(items->Proxy(ByFilter));
             }};
@@ -447,6 +446,7 @@ TComparison LocateByKey(const TItemsPtr &items)
             .Prepare = [items] { items->QtModel(), items->DataSet(ByLocate).SetData(items->Packet()); },
             .PeerScale = double(Lookups) / PeerLookups,
             .Repetitions = 5,
+            .PeerRepetitions = 2,
             .Same = [items] { return FindsTheSame(*items); }};
 }
 
