@@ -22,7 +22,7 @@ namespace {
 constexpr int ChangedRows = 20'000;
 
 /// The first rows of the table.
-QString Where() { return QStringLiteral("ITEMCODE<'%1'").arg(LargeCode(ChangedRows)); }
+QString Where(int rows) { return QStringLiteral("ITEMCODE<'%1'").arg(LargeCode(rows)); }
 
 /// What a round of edits writes into a row.
 struct TChange
@@ -53,7 +53,7 @@ public:
         FTable.SetCommitType(ctBatchCommit);
         FTable.SetUpdateType(utChanged);
         FTable.SetIgnoreCheck(true);
-        FTable.OpenTable(Where(), QStringLiteral("ITEMCODE"), 0);
+        FTable.OpenTable(Where(ChangedRows), QStringLiteral("ITEMCODE"), 0);
     }
 
     TExTable &Table() { return FTable; }
@@ -90,16 +90,16 @@ private:
 
 // ---- Qt's model -----------------------------------------------------------------------
 
-/// The rows in one model or in several. All are saved in one transaction.
+/// The first rows, in one model or in several, and all saved in one transaction.
 class TTheirItems
 {
 public:
-    TTheirItems(TLargeTable &large, int models)
-        : FModelRows(ChangedRows / models),
-          FDatabase(OpenQtDatabase(QStringLiteral("saved in %1").arg(models),
-                                   large.CopyAs(QStringLiteral("saved-qt-%1.db").arg(models))))
+    TTheirItems(TLargeTable &large, int rows, int modelRows)
+        : FModelRows(modelRows),
+          FDatabase(OpenQtDatabase(QStringLiteral("saved by %1").arg(modelRows),
+                                   large.CopyAs(QStringLiteral("saved-qt-%1.db").arg(modelRows))))
     {
-        for (int row = 0; row < ChangedRows; row += FModelRows)
+        for (int row = 0; row < rows; row += FModelRows)
             FModels.push_back(
                 std::make_unique<TQtItems>(FDatabase, QStringLiteral("ITEMCODE>='%1' and ITEMCODE<'%2'")
                                                           .arg(LargeCode(row), LargeCode(row + FModelRows))));
@@ -249,21 +249,21 @@ private:
 
 // ---- the comparisons ------------------------------------------------------------------
 
-/// The changed rows of a database as they stand in the file.
-QByteArray SavedRows(const QString &file, const QString &columns)
+/// The first rows of a database as they stand in the file.
+QByteArray SavedRows(const QString &file, int count, const QString &columns)
 {
     TSqliteDatabase database(file, TSqliteOpen::ReadOnly);
-    TSqliteStatement rows(
-        database,
-        QStringLiteral("select %1 from LARGEITEM where %2 order by ITEMCODE").arg(columns, Where()).toUtf8());
+    TSqliteStatement rows(database, QStringLiteral("select %1 from LARGEITEM where %2 order by ITEMCODE")
+                                        .arg(columns, Where(count))
+                                        .toUtf8());
     const TDataPacket packet = rows.ReadAll();
-    return packet.RowCount() == ChangedRows ? packet.ToBytes() : QByteArray();
+    return packet.RowCount() == count ? packet.ToBytes() : QByteArray();
 }
 
-bool HoldTheSame(const QString &left, const QString &right, const QStringList &columns)
+bool HoldTheSame(const QString &left, const QString &right, int count, const QStringList &columns)
 {
-    const QByteArray rows = SavedRows(left, columns.join(QLatin1Char(',')));
-    return !rows.isEmpty() && rows == SavedRows(right, columns.join(QLatin1Char(',')));
+    const QByteArray rows = SavedRows(left, count, columns.join(QLatin1Char(',')));
+    return !rows.isEmpty() && rows == SavedRows(right, count, columns.join(QLatin1Char(',')));
 }
 
 /// Our side, which is the same in all comparisons, and the number of the latest edits.
@@ -308,10 +308,13 @@ private:
     std::unique_ptr<Object> FObject;
 };
 
-TComparison SaveBesideQt(const TSavesPtr &saves, int models, TComparison comparison)
+/// Beside Qt's model of some of the rows, or beside several.
+TComparison SaveBesideQt(const TSavesPtr &saves, int rows, int modelRows, TComparison comparison)
 {
     const auto lazy = std::make_shared<TLazy<TTheirItems>>();
-    const auto peer = [saves, lazy, models]() -> TTheirItems & { return lazy->Get(saves->Large(), models); };
+    const auto peer = [saves, lazy, rows, modelRows]() -> TTheirItems & {
+        return lazy->Get(saves->Large(), rows, modelRows);
+    };
     const auto peerRound = std::make_shared<int>(0);
     comparison.Ours = [saves] { saves->Ours().Save(); };
     comparison.Theirs = [peer] { peer().Save(); };
@@ -320,10 +323,11 @@ TComparison SaveBesideQt(const TSavesPtr &saves, int models, TComparison compari
         *peerRound = saves->Round();
         peer().Change(*peerRound);
     };
-    comparison.Same = [saves, peer, peerRound] {
+    comparison.PeerScale = double(ChangedRows) / rows;
+    comparison.Same = [saves, peer, peerRound, rows] {
         saves->Ours().Change(*peerRound);
         saves->Ours().Save();
-        return HoldTheSame(saves->Ours().FileName(), peer().FileName(), LargeColumns);
+        return HoldTheSame(saves->Ours().FileName(), peer().FileName(), rows, LargeColumns);
     };
     return comparison;
 }
@@ -341,14 +345,14 @@ TComparison SaveBesideBareStatements(const TSavesPtr &saves)
             .Theirs = [peer] { peer().Save(); },
             .Prepare = prepare,
             .PreparePeer = preparePeer,
-            .Repetitions = 5,
+            .Repetitions = 9,
             .Same =
                 [saves, peer, prepare, preparePeer] {
                     prepare(), preparePeer();
                     saves->Ours().Save();
                     peer().Save();
                     return HoldTheSame(
-                        saves->Ours().FileName(), peer().FileName(),
+                        saves->Ours().FileName(), peer().FileName(), ChangedRows,
                         LargeColumns + QStringList{QStringLiteral("CREATOR"), QStringLiteral("MODIFIER")});
                 }};
 }
@@ -359,18 +363,21 @@ QList<TComparison> SaveComparisons(const std::shared_ptr<TLargeTable> &table)
 {
     const auto saves = std::make_shared<TSaves>(table);
     return {
+        // Such a model walks, for each row that it saves, over all that have changed: it takes
+        // nearly four times as long for twice the rows.
         SaveBesideQt(
-            saves, 1,
+            saves, 10'000, 10'000,
             {.What = QStringLiteral("save 20,000 changed rows, batch mode, one transaction, audit columns"),
-             .Peer = QStringLiteral("QSqlTableModel::submitAll of the same edits without audit columns"),
+             .Peer = QStringLiteral(
+                 "QSqlTableModel::submitAll of the same edits without audit columns; 10,000 times 2"),
              .Goal = AtLeast(4),
              .Repetitions = 5,
-             .PeerRepetitions = 1}),
-        // Such a model walks, for each row that it saves, over all that have changed.
-        SaveBesideQt(saves, 20,
-                     {.What = QStringLiteral("the same beside models of 1,000 rows"),
-                      .Peer = QStringLiteral("QSqlTableModel::submitAll, 20 models in one transaction"),
-                      .Repetitions = 5}),
+             .PeerRepetitions = 2}),
+        SaveBesideQt(
+            saves, ChangedRows, 1000,
+            {.What = QStringLiteral("the same beside small models"),
+             .Peer = QStringLiteral("QSqlTableModel::submitAll, 20 models of 1,000 rows in one transaction"),
+             .Repetitions = 5}),
         SaveBesideBareStatements(saves)};
 }
 
