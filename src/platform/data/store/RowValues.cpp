@@ -1,12 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "platform/data/store/RowValues.h"
 
+#include "platform/core/Exceptions.h"
 #include "platform/data/NumberText.h"
+
+#include <limits>
 
 namespace Korvane {
 
+namespace {
+
+/// Gaps of this size are left alone, and larger ones as long as the texts take as much.
+constexpr size_t SmallGaps = 256;
+
+/// So that places fit into 32 bits with the gaps among them.
+constexpr size_t MaxTextBytes = std::numeric_limits<quint32>::max() / 2 - SmallGaps;
+
+} // namespace
+
 TRowValues::TRowValues(const TRowReader &row, std::span<const TColumnKind> kinds) : FCells(kinds.size())
 {
+    size_t textBytes = 0;
+    for (int i = 0; i < ColumnCount(); ++i)
+        if (kinds[size_t(i)] > TColumnKind::Double)
+            textBytes += row.GetText(i).size();
+    FBytes.reserve(textBytes);
     for (int i = 0; i < ColumnCount(); ++i) {
         if (row.IsNull(i))
             continue;
@@ -20,34 +38,37 @@ TRowValues::TRowValues(const TRowReader &row, std::span<const TColumnKind> kinds
     }
 }
 
-void TRowValues::SetInt(int column, qint64 value)
-{
-    TCell &cell = FCells[size_t(column)];
-    cell.IsNull = false;
-    cell.Int = value;
-}
-
-void TRowValues::SetDouble(int column, double value)
-{
-    TCell &cell = FCells[size_t(column)];
-    cell.IsNull = false;
-    cell.Double = value;
-}
-
 void TRowValues::SetText(int column, std::string_view bytes)
 {
-    TCell &cell = FCells[size_t(column)];
+    if (bytes.size() > MaxTextBytes - FTextBytes)
+        throw EOutOfResources(QStringLiteral("一行的文本超过2GB"));
+    TCell cell;
+    cell.Begin = quint32(FBytes.size());
+    cell.Size = quint32(bytes.size());
     cell.IsNull = false;
-    cell.Text.assign(bytes);
+    FBytes.append(bytes);
+    Put(column, cell);
+    if (FBytes.size() > 2 * FTextBytes + SmallGaps)
+        CloseGaps();
+}
+
+void TRowValues::CloseGaps()
+{
+    std::string packed;
+    packed.reserve(FTextBytes);
+    for (TCell &cell : FCells) {
+        if (cell.Size == 0)
+            continue;
+        const size_t begin = packed.size();
+        packed.append(FBytes, cell.Begin, cell.Size);
+        cell.Begin = quint32(begin);
+    }
+    FBytes = std::move(packed);
 }
 
 qsizetype TRowValues::MemoryUsage() const
 {
-    size_t bytes = sizeof *this + FCells.capacity() * sizeof(TCell);
-    for (const TCell &cell : FCells)
-        if (cell.Text.capacity() > 15) // what the string itself cannot hold
-            bytes += cell.Text.capacity() + 1;
-    return qsizetype(bytes);
+    return qsizetype(sizeof *this + FCells.capacity() * sizeof(TCell) + FBytes.capacity());
 }
 
 bool SameCell(const TRowReader &left, const TRowReader &right, int column, TColumnKind kind)
