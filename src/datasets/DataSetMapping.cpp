@@ -54,28 +54,29 @@ std::unique_ptr<TDBObject> TExCustomDataSet::NewRecord(const QString &className)
     return std::unique_ptr<TDBObject>(static_cast<TDBObject *>(FRecordClass->Create().release()));
 }
 
-void TExCustomDataSet::FillObject(TDBObject &object, const TRowMapping &mapping, const TDataSet &source,
+/// Calculated fields read the row that is current, all others the one given.
+void TExCustomDataSet::FillObject(TDBObject &object, const TRowMapping &mapping, const TRowReader *row,
                                   bool skipNulls)
 {
     const QString &name = mapping.ClassName();
-    const TRowReader *row = source.CurrentRow();
     for (const TMappedCell &cell : mapping.Cells()) {
         const TField &field = *cell.Field;
-        const bool isPlain = row && cell.Column >= 0;
-        if (skipNulls && field.IsNull())
+        const TRowReader *const at = field.Calculated() ? field.Row() : row;
+        if (skipNulls && field.IsNullIn(at))
             continue;
+        const bool isPlain = at && cell.Column >= 0;
         switch (cell.Reading) {
         case TCellReading::Text:
-            WriteCell(object, name, cell, isPlain ? TextAt(*row, cell.Column) : field.AsString());
+            WriteCell(object, name, cell, isPlain ? TextAt(*at, cell.Column) : field.StringIn(at));
             break;
         case TCellReading::Integer:
-            WriteCell(object, name, cell, isPlain ? row->GetInt(cell.Column) : qint64(field.AsInteger()));
+            WriteCell(object, name, cell, isPlain ? at->GetInt(cell.Column) : qint64(field.IntegerIn(at)));
             break;
         case TCellReading::Float:
-            WriteCell(object, name, cell, isPlain ? row->GetDouble(cell.Column) : field.AsFloat());
+            WriteCell(object, name, cell, isPlain ? at->GetDouble(cell.Column) : field.FloatIn(at));
             break;
         case TCellReading::Blob:
-            WriteCell(object, name, cell, GetBlobString(field));
+            WriteCell(object, name, cell, MapBlob(field, field.BytesIn(at)));
             break;
         }
     }
@@ -93,7 +94,7 @@ void TExCustomDataSet::SetCurrentObject(TDBObject &object)
 {
     CheckDBDFile();
     FRowMapping.Aim(object, GetFields(), *this, *this);
-    FillObject(object, FRowMapping, *this, false);
+    FillObject(object, FRowMapping, CurrentRow(), false);
 }
 
 void TExCustomDataSet::SetCurrentObject(TDBObject &object, TDataSet &source, bool all)
@@ -101,13 +102,16 @@ void TExCustomDataSet::SetCurrentObject(TDBObject &object, TDataSet &source, boo
     CheckDBDFile();
     FSourceMapping.Aim(object, GetFields(), *this, source);
     const auto *rows = qobject_cast<const TCustomClientDataSet *>(&source);
-    FillObject(object, FSourceMapping, source, !all && rows && rows->UpdateStatus() == usModified);
+    FillObject(object, FSourceMapping, source.CurrentRow(),
+               !all && rows && rows->UpdateStatus() == usModified);
 }
 
-QString TExCustomDataSet::GetBlobString(const TField &field)
+QString TExCustomDataSet::GetBlobString(const TField &field) { return MapBlob(field, field.AsBytes()); }
+
+QString TExCustomDataSet::MapBlob(const TField &field, const QByteArray &bytes)
 {
     // A second mapping of a row puts the bytes behind the first ones, on purpose.
-    FBlobStreams.Append(field.FieldName(), field.AsBytes());
+    FBlobStreams.Append(field.FieldName(), bytes);
     return QLatin1Char(':') + field.FieldName();
 }
 
@@ -187,14 +191,6 @@ void TExCustomDataSet::AddObject(const TDBObject &object)
 
 // ---- keys -----------------------------------------------------------------------------
 
-QVariant TExCustomDataSet::ValuesOf(const QList<TField *> &fields)
-{
-    QVariantList values;
-    for (const TField *field : fields)
-        values.append(field ? field->Value() : QVariant());
-    return VarArrayOf(values);
-}
-
 /// The fields of the key in a dataset, null for one that neither name leads to.
 QList<TField *> TExCustomDataSet::KeySources(const TDataSet &source)
 {
@@ -211,7 +207,13 @@ QList<TField *> TExCustomDataSet::KeySources(const TDataSet &source)
 
 QVariant TExCustomDataSet::GetKeyValues() { return GetKeyValues(*this); }
 
-QVariant TExCustomDataSet::GetKeyValues(TDataSet &source) { return ValuesOf(KeySources(source)); }
+QVariant TExCustomDataSet::GetKeyValues(TDataSet &source)
+{
+    QVariantList values;
+    for (const TField *field : KeySources(source))
+        values.append(field ? field->Value() : QVariant());
+    return VarArrayOf(values);
+}
 
 QVariant TExCustomDataSet::GetKeyValues(const TDBObject &object)
 {

@@ -6,7 +6,10 @@
 #include "general/SessionValues.h"
 #include "platform/core/Format.h"
 #include "platform/core/FormatDateTime.h"
+#include "platform/core/Variants.h"
 #include "session/DBSession.h"
+
+using namespace Qt::StringLiterals;
 
 namespace Korvane {
 
@@ -54,58 +57,80 @@ void TExCustomDataSet::Save()
 
 // ---- the changes ----------------------------------------------------------------------
 
+/// A row of the delta, and the dataset whose fields read it.
+struct TExCustomDataSet::TDeltaRow
+{
+    const TDataSet &DataSet;
+    const QList<TField *> &Keys;
+    const TUpdateStatus Status;
+    const TRowReader &Values;
+
+    QVariant KeyValues() const
+    {
+        QVariantList values;
+        for (const TField *key : Keys)
+            values.append(key ? key->ValueIn(&Values) : QVariant());
+        return VarArrayOf(values);
+    }
+};
+
 void TExCustomDataSet::SaveChanged()
 {
     if (ChangeCount() == 0)
         return;
-    TClientDataSet delta;
-    delta.SetData(Delta());
+    const TDeltaRows rows = DeltaRows();
+    TClientDataSet delta; // for its fields
+    delta.SetData(TDataPacketBuilder(rows.Fields()).Build());
     const QList<TField *> keys = KeySources(delta);
     std::unique_ptr<TDBObject> object;
-    for (delta.First(); !delta.Eof(); delta.Next())
-        SaveDeltaRow(delta, keys, object);
+    rows.ForEach([&](TUpdateStatus status, const TRowReader &row) {
+        SaveDeltaRow({delta, keys, status, row}, object);
+    });
     // NOTE: only when all is written; after a failure Save begins with the first change again.
     MergeChangeLog();
 }
 
 /// The object of a row's stored half is kept for the changed half behind it.
-void TExCustomDataSet::SaveDeltaRow(TClientDataSet &delta, const QList<TField *> &keys,
-                                    std::unique_ptr<TDBObject> &object)
+void TExCustomDataSet::SaveDeltaRow(const TDeltaRow &row, std::unique_ptr<TDBObject> &object)
 {
-    const TUpdateStatus status = delta.UpdateStatus();
+    const auto fill = [&] {
+        CheckDBDFile();
+        FSourceMapping.Aim(*object, GetFields(), *this, row.DataSet);
+        FillObject(*object, FSourceMapping, &row.Values, row.Status == usModified);
+    };
     QString statement;
-    switch (status) {
+    switch (row.Status) {
     case usUnmodified:
         FBlobStreams.Clear();
         object = GetDBObject();
-        object->KeyValues = ValuesOf(keys);
-        SetCurrentObject(*object, delta, true);
+        object->KeyValues = row.KeyValues();
+        fill();
         return;
     case usModified:
         // A column that has become NULL cannot be told from one that is unchanged, and so
         // keeps its stored value.
-        SetCurrentObject(*object, delta, false);
+        fill();
         statement = GetUpdateSQL(*object);
         break;
     case usInserted:
         FBlobStreams.Clear();
         object = GetDBObject();
-        SetCurrentObject(*object, delta, false);
+        fill();
         SetDetailFieldValues(*object);
         object->KeyValues = GetKeyValues(*object);
         // Mapped twice, on purpose: a blob's bytes stand doubled in the insert.
-        SetCurrentObject(*object, delta, false);
+        fill();
         statement = GetInsertSQL(*object);
         break;
     case usDeleted:
         object = GetDBObject();
-        object->KeyValues = ValuesOf(keys);
-        SetCurrentObject(*object, delta, false);
+        object->KeyValues = row.KeyValues();
+        fill();
         statement = GetDeleteSQL(*object);
         break;
     }
     Session().Execute(statement, &FBlobStreams);
-    UpdateRecordInfo(*object, status);
+    UpdateRecordInfo(*object, row.Status);
     object.reset();
 }
 
@@ -138,13 +163,7 @@ void TExCustomDataSet::SaveAll()
 
 namespace {
 
-bool ReplaceFirst(QString &text, const QString &old, const QString &replacement)
-{
-    const qsizetype place = text.indexOf(old);
-    if (place >= 0)
-        text.replace(place, old.size(), replacement);
-    return place >= 0;
-}
+constexpr qsizetype AuditColumnsLength = 160; // for most users
 
 } // namespace
 
@@ -164,20 +183,37 @@ void TExCustomDataSet::UpdateAuditColumns(const QString &statement, const QStrin
                                           bool evenWithoutWhere)
 {
     // Values go in as they are.
-    const QString changed = QStringLiteral("MODIFIER='") + AUserCode + QStringLiteral("', MODIFYDATE='") +
-                            now + QLatin1Char('\'');
-    const QString columns = !isNew ? changed
-                                   : QStringLiteral("CREATOR='") + AUserCode +
-                                         QStringLiteral("', CREATEDATE='") + now + QStringLiteral("', ") +
-                                         changed + QStringLiteral(", CREATORGROUP='") + AUserGroup +
-                                         QLatin1Char('\'');
-    QString update = statement;
-    ReplaceFirst(update, QStringLiteral("delete from "), QStringLiteral("update "));
-    if (!ReplaceFirst(update, QStringLiteral(" where "), QStringLiteral(" set %s where ")) &&
-        evenWithoutWhere)
-        update += QStringLiteral(" set %s");
+    QString columns;
+    columns.reserve(AuditColumnsLength);
+    const auto add = [&](QLatin1StringView column, const QString &value) {
+        columns += column;
+        columns += value;
+        columns += u'\'';
+    };
+    if (isNew) {
+        add("CREATOR='"_L1, AUserCode);
+        add(", CREATEDATE='"_L1, now);
+        columns += ", "_L1;
+    }
+    add("MODIFIER='"_L1, AUserCode);
+    add(", MODIFYDATE='"_L1, now);
+    if (isNew)
+        add(", CREATORGROUP='"_L1, AUserGroup);
+
     // NOTE: the keys are part of the format, so that a "%" in one is a placeholder.
-    Session().Execute(Format(update, {columns}), nullptr);
+    const bool isFormat = statement.contains(u'%');
+    const QString set = " set "_L1 + (isFormat ? u"%s"_s : columns);
+    const QLatin1StringView remove("delete from ");
+    QString update;
+    update.reserve(statement.size() + set.size());
+    update += statement;
+    if (const qsizetype place = update.indexOf(remove); place >= 0)
+        update.replace(place, remove.size(), u"update "_s);
+    if (const qsizetype place = update.indexOf(" where "_L1); place >= 0)
+        update.insert(place, set);
+    else if (evenWithoutWhere)
+        update += set;
+    Session().Execute(isFormat ? Format(update, {columns}) : update, nullptr);
 }
 
 void TExCustomDataSet::UpdateRecordInfo(TDBObject &object)

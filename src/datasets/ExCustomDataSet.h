@@ -296,10 +296,11 @@ private:
     int NextNumberInMemory();
     /// From First to the end, controls disabled.
     void WalkRows(const std::function<void()> &visit);
-    void FillObject(TDBObject &object, const TRowMapping &mapping, const TDataSet &source, bool skipNulls);
+    void FillObject(TDBObject &object, const TRowMapping &mapping, const TRowReader *row, bool skipNulls);
+    QString MapBlob(const TField &field, const QByteArray &bytes);
     QList<TField *> KeySources(const TDataSet &source);
-    static QVariant ValuesOf(const QList<TField *> &fields);
-    void SaveDeltaRow(TClientDataSet &delta, const QList<TField *> &keys, std::unique_ptr<TDBObject> &object);
+    struct TDeltaRow;
+    void SaveDeltaRow(const TDeltaRow &row, std::unique_ptr<TDBObject> &object);
     void UpdateAuditColumns(const QString &statement, const QString &now, bool isNew, bool evenWithoutWhere);
     const QString &ServerTime();
     void CheckRequired();

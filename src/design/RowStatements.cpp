@@ -20,45 +20,32 @@ void TRowStatements::Aim(const QString &table, const TObjectList<TFieldsObject> 
     FColumns = std::move(columns);
     FBindings.SetFields(fields);
     FInsertHead.clear();
+    FBeforeValues.clear();
+    FAssignments.clear();
+    for (const TWrittenColumn &column : std::as_const(FColumns)) {
+        // The comma goes by the place of the field, not by what was written so far.
+        FBeforeValues.append(column.Field > 0 ? QString(Separator) : QString());
+        FAssignments.append(FBeforeValues.last() + column.Code + u'=');
+    }
 }
 
 QString TRowStatements::ColumnNames() const
 {
     QString names;
-    for (const TWrittenColumn &column : FColumns) {
-        // The comma goes by the place of the field, not by what was written so far.
-        if (column.Field > 0)
-            names += Separator;
-        names += column.Code;
-    }
+    for (qsizetype i = 0; i < FColumns.size(); ++i)
+        names += FBeforeValues[i] + FColumns[i].Code;
     return names;
 }
 
-void TRowStatements::AppendValues(QString &statement, const TDBObject &object)
+void TRowStatements::AppendValues(QString &statement, const QStringList &before, const TDBObject &object)
 {
     if (FColumns.isEmpty())
         return; // then the object may be of any class
     const TRecordBinding &binding = FBindings.Of(object);
-    for (const TWrittenColumn &column : std::as_const(FColumns)) {
-        if (column.Field > 0)
-            statement += Separator;
-        AppendDBFieldValue(statement, object, binding.Property(column.Field),
-                           binding.Field(column.Field).Type);
-    }
-}
-
-void TRowStatements::AppendAssignments(QString &statement, const TDBObject &object)
-{
-    if (FColumns.isEmpty())
-        return;
-    const TRecordBinding &binding = FBindings.Of(object);
-    for (const TWrittenColumn &column : std::as_const(FColumns)) {
-        if (column.Field > 0)
-            statement += Separator;
-        statement += column.Code;
-        statement += u'=';
-        AppendDBFieldValue(statement, object, binding.Property(column.Field),
-                           binding.Field(column.Field).Type);
+    for (qsizetype i = 0; i < FColumns.size(); ++i) {
+        const qsizetype field = FColumns[i].Field;
+        statement += before[i];
+        AppendDBFieldValue(statement, object, binding.Property(field), binding.Field(field).Type);
     }
 }
 
@@ -66,7 +53,7 @@ QString TRowStatements::InsertSQL(const TDBObject &object)
 {
     if (FTable.contains(u'%')) {
         QString values;
-        AppendValues(values, object);
+        AppendValues(values, FBeforeValues, object);
         return Format(QStringLiteral("insert into ") + FTable + QStringLiteral("(%s) values(%s)"),
                       {ColumnNames(), values});
     }
@@ -76,7 +63,7 @@ QString TRowStatements::InsertSQL(const TDBObject &object)
     QString statement;
     statement.reserve(FInsertHead.size() + FColumns.size() * UsualValueLength);
     statement += FInsertHead;
-    AppendValues(statement, object);
+    AppendValues(statement, FBeforeValues, object);
     statement += u')';
     return statement;
 }
@@ -86,14 +73,14 @@ QString TRowStatements::UpdateSQL(const TDBObject &object, const QString &condit
     const QLatin1StringView update("update "), set(" set "), where(" where ");
     QString statement;
     if (FTable.contains(u'%') || conditions.contains(u'%')) {
-        AppendAssignments(statement, object);
+        AppendValues(statement, FAssignments, object);
         return Format(update + FTable + set + QStringLiteral("%s") + where + conditions, {statement});
     }
     statement.reserve(conditions.size() + FColumns.size() * UsualValueLength);
     statement += update;
     statement += FTable;
     statement += set;
-    AppendAssignments(statement, object);
+    AppendValues(statement, FAssignments, object);
     statement += where;
     statement += conditions;
     return statement;

@@ -27,13 +27,15 @@ public:
 
 private:
     QString ColumnNames() const;
-    void AppendValues(QString &statement, const TDBObject &object);
-    void AppendAssignments(QString &statement, const TDBObject &object);
+    /// The value of each column, behind the column's text in a list of as many.
+    void AppendValues(QString &statement, const QStringList &before, const TDBObject &object);
 
     QString FTable;
     QList<TWrittenColumn> FColumns;
     TRecordBindings FBindings;
-    QString FInsertHead; // up to the values; made at the first use
+    QString FInsertHead;       // up to the values; made at the first use
+    QStringList FBeforeValues; // of an insert: ", "
+    QStringList FAssignments;  // of an update: ", CODE="
 };
 
 } // namespace Korvane

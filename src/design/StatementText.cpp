@@ -7,13 +7,16 @@ namespace Korvane {
 
 void AppendQuoted(QString &statement, QStringView text)
 {
-    statement += u'\'';
-    for (qsizetype quote; (quote = text.indexOf(u'\'')) >= 0; text = text.sliced(quote + 1)) {
-        statement += text.first(quote + 1);
-        statement += u'\'';
+    const qsizetype begin = statement.size();
+    statement.resize(begin + text.size() + text.count(u'\'') + 2);
+    QChar *at = statement.data() + begin;
+    *at++ = u'\'';
+    for (const QChar c : text) {
+        *at++ = c;
+        if (c == u'\'')
+            *at++ = c;
     }
-    statement += text;
-    statement += u'\'';
+    *at = u'\'';
 }
 
 QStringView Trimmed(QStringView text)

@@ -292,6 +292,12 @@ TDataPacket TCustomClientDataSet::Delta()
     return FStore->Delta();
 }
 
+TDeltaRows TCustomClientDataSet::DeltaRows()
+{
+    CheckBrowseMode();
+    return FStore->DeltaRows();
+}
+
 void TCustomClientDataSet::MergeChangeLog()
 {
     CheckBrowseMode();

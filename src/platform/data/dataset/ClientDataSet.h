@@ -130,6 +130,9 @@ protected:
     void InternalFilter(const QString &text, bool filtered, TFilterOptions options) override;
     void InternalRefresh() override;
 
+    /// The rows of Delta, where they stand.
+    TDeltaRows DeltaRows();
+
 private:
     friend class TAggregate;
 

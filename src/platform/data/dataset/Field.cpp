@@ -215,10 +215,9 @@ int TField::DefaultWidth() const { return 10; }
 
 const TRowReader *TField::Row() const { return FDataSet ? FDataSet->ReadRow(*this) : nullptr; }
 
-/// What a reader of the current row's cell gives; empty without a row.
-template <class Result> Result TField::Read(Result (TCellReader::*get)() const) const
+/// What a reader of a row's cell gives; empty without a row.
+template <class Result> Result TField::Read(const TRowReader *row, Result (TCellReader::*get)() const) const
 {
-    const TRowReader *row = Row();
     return row ? (TCellReader(*row, FFieldNo, FDataType, FFieldName).*get)() : Result();
 }
 
@@ -227,51 +226,47 @@ QString TField::CellText(const TRowReader &row) const
     return TCellReader(row, FFieldNo, FDataType, FFieldName).AsString();
 }
 
-QString TField::TextIn(const TRowReader *row) const
-{
-    return row && !row->IsNull(FFieldNo) ? CellText(*row) : QString();
-}
+QString TField::StringIn(const TRowReader *row) const { return IsNullIn(row) ? QString() : CellText(*row); }
 
-bool TField::IsNull() const
+int TField::IntegerIn(const TRowReader *row) const
 {
-    const TRowReader *row = Row();
-    return !row || row->IsNull(FFieldNo);
-}
-
-QString TField::AsString() const { return TextIn(Row()); }
-
-int TField::AsInteger() const
-{
-    const qint64 value = AsLargeInt();
+    const qint64 value = Read(row, &TCellReader::AsInteger);
     if (value != int(value))
         throw EConvertError(
             QStringLiteral("字段“%1”的值“%2”不是有效的整数").arg(FFieldName, IntToStr(value)));
     return int(value);
 }
 
-qint64 TField::AsLargeInt() const { return Read(&TCellReader::AsInteger); }
+double TField::FloatIn(const TRowReader *row) const { return Read(row, &TCellReader::AsFloat); }
 
-double TField::AsFloat() const { return Read(&TCellReader::AsFloat); }
+QByteArray TField::BytesIn(const TRowReader *row) const { return Read(row, &TCellReader::AsBytes); }
 
-bool TField::AsBoolean() const { return Read(&TCellReader::AsBoolean); }
-
-TDateTime TField::AsDateTime() const { return Read(&TCellReader::AsDateTime); }
-
-QByteArray TField::AsBytes() const { return Read(&TCellReader::AsBytes); }
-
-QVariant TField::Value() const
+QVariant TField::ValueIn(const TRowReader *row) const
 {
-    const TRowReader *row = Row();
     return row ? TCellReader(*row, FFieldNo, FDataType, FFieldName).Value() : VarNull();
 }
 
-QVariant TField::OldValue() const
-{
-    const TRowReader *row = FDataSet ? FDataSet->OldRow(*this) : nullptr;
-    return row ? TCellReader(*row, FFieldNo, FDataType, FFieldName).Value() : VarNull();
-}
+bool TField::IsNull() const { return IsNullIn(Row()); }
 
-QString TField::OldString() const { return TextIn(FDataSet ? FDataSet->OldRow(*this) : nullptr); }
+QString TField::AsString() const { return StringIn(Row()); }
+
+int TField::AsInteger() const { return IntegerIn(Row()); }
+
+qint64 TField::AsLargeInt() const { return Read(Row(), &TCellReader::AsInteger); }
+
+double TField::AsFloat() const { return FloatIn(Row()); }
+
+bool TField::AsBoolean() const { return Read(Row(), &TCellReader::AsBoolean); }
+
+TDateTime TField::AsDateTime() const { return Read(Row(), &TCellReader::AsDateTime); }
+
+QByteArray TField::AsBytes() const { return BytesIn(Row()); }
+
+QVariant TField::Value() const { return ValueIn(Row()); }
+
+QVariant TField::OldValue() const { return ValueIn(FDataSet ? FDataSet->OldRow(*this) : nullptr); }
+
+QString TField::OldString() const { return StringIn(FDataSet ? FDataSet->OldRow(*this) : nullptr); }
 
 // ---- writing --------------------------------------------------------------------------
 

@@ -4,7 +4,7 @@
 #include "platform/core/Component.h"
 #include "platform/core/DateTime.h"
 #include "platform/core/Event.h"
-#include "platform/data/DataPacket.h"
+#include "platform/data/RowReader.h"
 #include "platform/data/dataset/DataSetTypes.h"
 
 #include <QPointer>
@@ -114,6 +114,16 @@ public:
     QByteArray AsBytes() const; ///< of a text in UTF-8
     QVariant Value() const;     ///< a null QVariant for NULL
 
+    // The value in a row that stands elsewhere and has the dataset's columns; null is no row.
+    bool IsNullIn(const TRowReader *row) const { return !row || row->IsNull(FFieldNo); }
+    QString StringIn(const TRowReader *row) const;
+    int IntegerIn(const TRowReader *row) const;
+    double FloatIn(const TRowReader *row) const;
+    QByteArray BytesIn(const TRowReader *row) const;
+    QVariant ValueIn(const TRowReader *row) const;
+    /// The row that the field itself reads; null without one.
+    const TRowReader *Row() const;
+
     void Clear();
     virtual void SetAsString(const QString &text);
     void SetAsInteger(int value) { SetAsLargeInt(value); }
@@ -164,8 +174,6 @@ protected:
     /// The field's value in a row, as a text. Never called for NULL.
     virtual QString CellText(const TRowReader &row) const;
 
-    /// The row that the field reads; null without one.
-    const TRowReader *Row() const;
     TColumnKind Kind() const { return ColumnKindOf(FDataType); }
     TCellWriter CellOf(TRowValues &row, int column) const;
     /// The row that the field may be written into now. Raises EDatabaseError when there is none.
@@ -174,10 +182,9 @@ protected:
     void PropertyChanged();
 
 private:
-    template <class Result> Result Read(Result (TCellReader::*get)() const) const;
+    template <class Result> Result Read(const TRowReader *row, Result (TCellReader::*get)() const) const;
     template <class Store> void Write(Store store);
     template <class Store> bool StoreValidated(TRowValues &row, int column, Store store);
-    QString TextIn(const TRowReader *row) const;
     QString ShownText(bool display) const;
     void StoreBytes(TRowValues &row, int column, const QByteArray &bytes) const;
 

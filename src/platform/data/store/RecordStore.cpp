@@ -460,37 +460,23 @@ quint32 TRecordStore::UndoLast()
     return record;
 }
 
-/// What an entry, no insertion, has stored.
-const TRowReader &TRecordStore::StoredRow(const TChange &change, TOverlaidRow &packetRow) const
+TDeltaRows TRecordStore::DeltaRows() const
 {
-    if (change.Stored)
-        return *change.Stored;
-    packetRow.MoveTo(change.Record);
-    return packetRow;
+    TDeltaRows rows(FPacket, FKinds);
+    FLog.ForEach([&](const TChange &change) {
+        rows.Add(change.Record, change.Status, change.Stored, FOverlay.Share(change.Record));
+    });
+    return rows;
 }
 
 TDataPacket TRecordStore::Delta() const
 {
-    const TRowOverlay none;
-    TOverlaidRow packetRow(FPacket, none);
     TRowCollector collector(FPacket);
     TDataPacketBuilder &builder = collector.Builder();
     builder.BeginLog(TPacketContent::Delta);
-    FLog.ForEach([&](const TChange &change) {
-        if (change.Status == usInserted) {
-            collector.AddCells(RowOf(change.Record));
-            return builder.EndLogRow(usInserted);
-        }
-        const TRowReader &stored = StoredRow(change, packetRow);
-        collector.AddCells(stored);
-        if (change.Status == usDeleted)
-            return builder.EndLogRow(usDeleted);
-        builder.EndLogRow(usUnmodified);
-        const TOverlaidRow present = RowOf(change.Record);
-        for (int i = 0; i < builder.FieldCount(); ++i)
-            if (!SameCell(stored, present, i, FKinds[size_t(i)]))
-                builder.AppendCell(i, present);
-        builder.EndLogRow(usModified);
+    DeltaRows().ForEach([&](TUpdateStatus status, const TRowReader &row) {
+        collector.AddCells(row);
+        builder.EndLogRow(status);
     });
     return std::move(builder).Build();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/data/store/ChangeLog.h"
+#include "platform/data/store/DeltaRows.h"
 #include "platform/data/store/RowOverlay.h"
 
 namespace Korvane {
@@ -120,9 +121,9 @@ public:
     /// may be gone, or NoRecord.
     quint32 UndoLast();
 
-    /// The log as a packet of content TPacketContent::Delta, in the log's order: a modification is
-    /// two rows, the stored values (usUnmodified) and behind them the changed columns
-    /// (usModified, all others NULL); an insertion the new values, a deletion the stored ones.
+    /// The log's rows. Costs nothing per cell.
+    TDeltaRows DeltaRows() const;
+    /// The same as a packet of content TPacketContent::Delta.
     TDataPacket Delta() const;
     /// All records in natural order; with a log, it goes along (TPacketContent::RowsAndLog).
     /// Costs nothing as long as nothing has changed.
@@ -159,7 +160,6 @@ private:
     void AppendToPacket(const TDataPacket &packet, qsizetype rows, std::span<const int> columns);
 
     void Restore(const TChange &change);
-    const TRowReader &StoredRow(const TChange &change, TOverlaidRow &packetRow) const;
     TDataPacket RowsAlone() const;
     TDataPacket RowsAndLog() const;
 
