@@ -34,18 +34,18 @@ void LogError(const QString &text)
 
 /// The date and time that a text is in the form "yyyy-mm-dd hh:mm:ss.zzz"; nothing for any
 /// other text.
-std::optional<TDateTime> ParseClock(std::string_view text)
+std::optional<TDateTime> ParseClock(QStringView text)
 {
-    constexpr std::string_view form = "0000-00-00 00:00:00.000";
+    constexpr QStringView form = u"0000-00-00 00:00:00.000";
     if (text.size() != form.size())
         return std::nullopt;
-    for (size_t i = 0; i < form.size(); ++i)
-        if (form[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != form[i])
+    for (qsizetype i = 0; i < form.size(); ++i)
+        if (form[i] == u'0' ? text[i] < u'0' || text[i] > u'9' : text[i] != form[i])
             return std::nullopt;
-    const auto number = [text](size_t at, size_t digits) {
+    const auto number = [text](qsizetype at, qsizetype digits) {
         int value = 0;
-        for (size_t i = at; i < at + digits; ++i)
-            value = value * 10 + (text[i] - '0');
+        for (qsizetype i = at; i < at + digits; ++i)
+            value = value * 10 + (text[i].unicode() - u'0');
         return value;
     };
     const QDate date(number(0, 4), number(5, 2), number(8, 2));
@@ -332,16 +332,15 @@ void TDBSession::SetVersion(int version)
 
 TDateTime TDBSession::GetDateTime()
 {
-    const TDataPacket clock = FConnection.Query(FDBType == dbtMSSQL ? QStringLiteral("select getdate()")
-                                                                    : QStringLiteral("select now()"));
-    if (clock.RowCount() == 0)
+    const QVariant clock = FConnection.QueryValue(FDBType == dbtMSSQL ? QStringLiteral("select getdate()")
+                                                                      : QStringLiteral("select now()"));
+    if (VarIsNull(clock))
         return {};
     // Every saved row asks: the form of the embedded engine goes the short way.
-    const TPacketColumn &column = clock.Column(0);
-    if (column.Kind() == TColumnKind::Text)
-        if (const auto moment = ParseClock(column.Bytes(0)))
+    if (clock.typeId() == QMetaType::QString)
+        if (const auto moment = ParseClock(*static_cast<const QString *>(clock.constData())))
             return *moment;
-    return VarToDateTime(clock.Value(0, 0));
+    return VarToDateTime(clock);
 }
 
 QString TDBSession::GetDateTimeStr()

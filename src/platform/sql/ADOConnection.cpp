@@ -81,6 +81,12 @@ TDataPacket TADOConnection::Query(const QString &statement, std::span<const TSql
     return Guarded([&] { return Driver().Query(statement, parameters); });
 }
 
+QVariant TADOConnection::QueryValue(const QString &statement)
+{
+    OnExecute(statement);
+    return Guarded([&] { return Driver().QueryValue(statement); });
+}
+
 void TADOConnection::OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,
                                 TADODataSet &target)
 {

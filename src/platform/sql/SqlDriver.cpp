@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/SqlDriver.h"
 
+#include "platform/core/Variants.h"
+
 namespace Korvane {
 
 SqlDriver::~SqlDriver() = default;
+
+QVariant SqlDriver::QueryValue(const QString &statement)
+{
+    const TDataPacket rows = Query(statement);
+    return rows.RowCount() > 0 ? rows.Value(0, 0) : VarNull();
+}
 
 void SqlDriver::CreateDatabase(const TConnectionString &connection)
 {

@@ -67,6 +67,8 @@ public:
     /// Runs a statement and returns all of its rows. A statement that gives no rowset gives
     /// a packet without fields.
     virtual TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters = {}) = 0;
+    /// The first value of the first row that Query gives; a null QVariant without one.
+    virtual QVariant QueryValue(const QString &statement);
 
     virtual void BeginTransaction() = 0;
     virtual void CommitTransaction() = 0;

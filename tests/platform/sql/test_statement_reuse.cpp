@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Statements served by prepared ones do what they do without.
+#include "platform/core/Variants.h"
 #include "platform/sql/sqlite/SqliteDriver.h"
 #include "support/Packets.h"
 #include "support/TestDatabase.h"
@@ -367,6 +368,29 @@ TEST_P(StatementReuse, has_room_for_some_forms_and_serves_any_number)
         for (int i = 0; i < 100; ++i)
             Run(u"update T set A%1=%2 where K=1"_s.arg(i).arg(round * i));
     Run(u"select * from T"_s);
+}
+
+TEST_P(StatementReuse, gives_as_first_value_what_the_rows_begin_with)
+{
+    Run(u"create table T(K int, V varchar(20), D datetime, S text)"_s);
+    Run(u"insert into T(K,V,D,S) values(1,'一','2026-03-01 10:20:30','长')"_s);
+    Run(u"insert into T(K) values(2)"_s);
+    const QString select = u"select %1 from T where K=%2"_s;
+    const QStringList values = {u"K"_s,   u"V"_s,     u"D"_s,        u"S"_s,
+                                u"K*2"_s, u"V+'x'"_s, u"count(*)"_s, u"null"_s};
+    for (int round = 0; round < 3; ++round) // read, learnt, ready
+        for (const QString &value : values)
+            for (int key = 1; key <= 3; ++key) {
+                const QString statement = select.arg(value).arg(key);
+                const TDataPacket rows = FWith.FDriver->Query(statement);
+                const QVariant first = FWith.FDriver->QueryValue(statement);
+                const QVariant expected = rows.RowCount() > 0 ? rows.Value(0, 0) : VarNull();
+                EXPECT_EQ(first, expected) << statement.toStdString();
+                EXPECT_EQ(first.typeId(), expected.typeId()) << statement.toStdString();
+            }
+    EXPECT_TRUE(VarIsNull(FWith.FDriver->QueryValue(u"insert into T(K) values(4)"_s)));
+    EXPECT_TRUE(VarIsNull(FWith.FDriver->QueryValue(u"insert into T(K) values(5)"_s)));
+    EXPECT_EQ(FWith.FDriver->QueryValue(u"select count(*) from T"_s).toInt(), 4);
 }
 
 TEST(StatementCache, keeps_what_comes_again_and_has_proven_itself)

@@ -279,6 +279,16 @@ const QList<TPacketField> &TSqliteStatement::Fields()
     return FFields;
 }
 
+bool TSqliteStatement::IsText(int column) const
+{
+    return sqlite3_column_type(FStatement, column) == SQLITE_TEXT;
+}
+
+bool TSqliteStatement::IsReckoned(int column) const
+{
+    return column < ColumnCount() && !sqlite3_column_decltype(FStatement, column);
+}
+
 TDataPacket TSqliteStatement::ReadAll()
 {
     bool hasRow = Step();

@@ -57,6 +57,9 @@ public:
     std::string_view Text(int column) const; ///< UTF-8, valid until the next Step
     std::string_view Blob(int column) const;
     QString String(int column) const;
+    bool IsText(int column) const; ///< whether the value in the current row is one
+    /// Whether there is such a column that is no table's own.
+    bool IsReckoned(int column) const;
 
     /// Steps through all rows into a packet. Field types come from the declared types, of
     /// columns without one from the values.

@@ -33,6 +33,7 @@ public:
     bool IsConnected() const override { return FDatabase != nullptr; }
     qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters) override;
     TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters) override;
+    QVariant QueryValue(const QString &statement) override;
     void BeginTransaction() override;
     void CommitTransaction() override;
     void RollbackTransaction() override;
