@@ -114,6 +114,26 @@ public:
     void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,
                     TADODataSet &target);
 
+    // Backup and restore talk to the user themselves: a failure is shown as a message and ends with
+    // EAbort, so that a result of false is never seen. Afterwards the session is disconnected.
+
+    /// Copies the whole database to a file; in the MSSQL dialect the server does, and the file's name
+    /// is a path of the server's. Others may go on working. After a failure the Access dialect
+    /// stays connected as it was.
+    bool BackupDB(const QString &fileName);
+    /// The database file DBName, whether the session is connected to it or not.
+    bool BackupAccess(const QString &fileName);
+    bool BackupMSSQL(const QString &fileName);
+    /// Puts the database back from a file. The session must be connected, as the only user by the count of
+    /// GetOnlineUsers(AppName): in the MSSQL dialect it is therefore connected under another
+    /// name than AppName, or under none. There DBName is "master" after a success and as before after
+    /// a failure, and the statement restores "master", on purpose: which database that is, the server says.
+    bool RestoreDB(const QString &fileName);
+    /// The copy passes through "~template.mdb" in the folder of DBName. A backup that is damaged or missing
+    /// costs nothing. Whether the last step, the exchange of the files, could be done is not looked at.
+    bool RestoreAccess(const QString &fileName);
+    bool RestoreMSSQL(const QString &fileName);
+
     /// Sees each statement before it runs.
     TEvent<const QString &> &OnExecute() { return FConnection.OnExecute; }
 
@@ -125,6 +145,11 @@ private:
     void OpenQuery(const QString &statement);
     void ConnectTo(const QString &connectionString);
     QVariant FirstValue() const;
+    /// Runs one of the server's own statements on a connection made anew.
+    void RunOnServer(const QString &statement);
+    /// Shows what failed, with the provider's main error, and aborts.
+    [[noreturn]] void AbortWithError(const QString &message);
+    void AbortIfInUse();
 
     TADOConnection FConnection;
     TADOQuery FQuery;

@@ -20,6 +20,8 @@ int RunUpgrade(TCommandLine &line, TToolStreams &streams);
 int RunScript(TCommandLine &line, TToolStreams &streams);
 int RunCheck(TCommandLine &line, TToolStreams &streams);
 int RunRepair(TCommandLine &line, TToolStreams &streams);
+int RunBackup(TCommandLine &line, TToolStreams &streams);
+int RunRestore(TCommandLine &line, TToolStreams &streams);
 int RunTables(TCommandLine &line, TToolStreams &streams);
 int RunFields(TCommandLine &line, TToolStreams &streams);
 int RunSql(TCommandLine &line, TToolStreams &streams);

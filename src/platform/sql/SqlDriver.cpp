@@ -28,4 +28,14 @@ void SqlDriver::CopyDatabase(const QString &fileName)
     throw ESqlError(QStringLiteral("此驱动程序不能复制数据库：%1").arg(fileName));
 }
 
+void SqlDriver::CopyDatabaseFile(const QString &source, const QString &, TCopyCheck)
+{
+    throw ESqlError(QStringLiteral("此驱动程序不能复制数据库：%1").arg(source));
+}
+
+void SqlDriver::ReplaceDatabase(const TConnectionString &connection, const QString &)
+{
+    throw ESqlError(QStringLiteral("此驱动程序不能恢复数据库：%1").arg(connection.DataSource()));
+}
+
 } // namespace Korvane

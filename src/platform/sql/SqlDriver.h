@@ -38,6 +38,9 @@ enum class TSqlFeature {
 /// How a connection uses its database.
 enum TConnectMode { cmUnknown, cmRead, cmWrite, cmReadWrite };
 
+/// Whether a copy of a database is looked through for damage before it appears.
+enum class TCopyCheck : quint8 { None, Whole };
+
 struct TSqlConnectOptions
 {
     TConnectMode Mode = cmUnknown;
@@ -92,6 +95,12 @@ public:
     /// Copies the whole database, as last committed, to a file, which appears whole or not
     /// at all.
     virtual void CopyDatabase(const QString &fileName);
+    /// The same for the database in a file, to which the driver need not be connected.
+    virtual void CopyDatabaseFile(const QString &source, const QString &target, TCopyCheck check);
+    /// Puts a copy, which stands in the same folder, into the place of the database that a connection string
+    /// names, in one step; the database need not be there before. The driver is not connected. A
+    /// database in use, or whose password is another, is an error.
+    virtual void ReplaceDatabase(const TConnectionString &connection, const QString &copy);
 };
 
 /// Schema id of the roster of users: a row per connection, COMPUTER_NAME, LOGIN_NAME,

@@ -3,12 +3,14 @@
 
 #include "platform/sql/dialect/SqlFunctions.h"
 #include "platform/sql/sqlite/CatalogTables.h"
+#include "platform/sql/sqlite/DatabaseCopy.h"
 #include "platform/sql/sqlite/DatabaseFile.h"
 #include "platform/sql/sqlite/SchemaRowsets.h"
 #include "platform/sql/sqlite/SqliteMetadata.h"
 #include "platform/sql/sqlite/TableRebuild.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
@@ -111,6 +113,7 @@ void TSqliteDriver::OpenFile(const QString &fileName, const TConnectionString &c
     if (fileName.isEmpty())
         throw ESqlError(QStringLiteral("没有指定数据库文件"));
     FReadOnly = options.Mode == cmRead;
+    FTimeout = options.CommandTimeout;
     FPassword = connection.Password();
     // NOTE: the roster is joined before the file is opened, so that nobody drops a database
     // between its being found and its being used, and none is met half-made.
@@ -134,6 +137,8 @@ void TSqliteDriver::JoinRoster(const QString &rosterFile, const TConnectionStrin
 {
     TRosterEntry entry;
     entry.ApplicationName = applicationName.isEmpty() ? connection.ApplicationName() : applicationName;
+    if (FServer && entry.ApplicationName.isEmpty())
+        entry.ApplicationName = QCoreApplication::applicationName(); // as a server lists who gives no name
     entry.ComputerName = QSysInfo::machineHostName();
     entry.LoginName = connection.UserID();
     entry.Database = FServer ? connection.InitialCatalog() : connection.DataSource();
@@ -171,6 +176,7 @@ void TSqliteDriver::Disconnect()
     FServer.reset();
     FPassword.clear();
     FReadOnly = false;
+    FTimeout = TSqlConnectOptions().CommandTimeout;
 }
 
 TSqliteDatabase &TSqliteDriver::Database() const
@@ -322,37 +328,126 @@ void TSqliteDriver::CreateDatabase(const TConnectionString &connection)
 
 void TSqliteDriver::CopyDatabase(const QString &fileName)
 {
-    const QString part = fileName + QStringLiteral(".part");
-    QFile::remove(part);
+    // NOTE: over a connection of its own, so that a transaction of this one is left out and in peace.
+    CopyDatabaseTo(*OpenCopySource(Database().FileName(), FTimeout), fileName);
+}
+
+void TSqliteDriver::CopyDatabaseFile(const QString &source, const QString &target, TCopyCheck check)
+{
+    const auto database = OpenCopySource(source, FTimeout);
+    if (check == TCopyCheck::None)
+        return CopyDatabaseTo(*database, target);
+    CopyDatabaseTo(*database, target, [&](TSqliteDatabase &copy) { CheckCopy(copy, source); });
+}
+
+void TSqliteDriver::CheckCopy(TSqliteDatabase &copy, const QString &source) const
+{
+    RegisterSqlFunctions(copy.Handle(), FDialect); // conditions and indexes may use them
+    CheckUndamaged(copy, source);
+}
+
+void TSqliteDriver::CheckReplaceable(const QString &fileName, const QString &password) const
+{
+    if (QFileInfo(fileName).size() == 0)
+        return;
     try {
-        TSqliteDatabase target(part, TSqliteOpen::Create);
-        sqlite3_backup *backup = sqlite3_backup_init(target.Handle(), "main", Database().Handle(), "main");
-        if (!backup)
-            target.Fail();
-        sqlite3_backup_step(backup, -1);
-        if (sqlite3_backup_finish(backup) != SQLITE_OK)
-            target.Fail();
-    } catch (...) {
-        RemoveDatabaseFile(part);
-        throw;
+        CheckDatabasePassword(*OpenCopySource(fileName, FTimeout), password);
+    } catch (const ESqlError &error) {
+        if (!IsDamage(error))
+            throw;
     }
-    // The copy is complete and closed: it takes the target's place in one step.
-    if (::rename(QFile::encodeName(part).constData(), QFile::encodeName(fileName).constData()) != 0) {
-        RemoveDatabaseFile(part);
-        throw ESqlError(QStringLiteral("不能写入文件：%1").arg(fileName));
-    }
+}
+
+void TSqliteDriver::ReplaceDatabase(const TConnectionString &connection, const QString &copy)
+{
+    if (FDialect == TSqlDialect::MSSQL)
+        return SqlDriver::ReplaceDatabase(connection, copy);
+    const QString file = connection.DataSource();
+    TConnectionRoster roster(RosterFileOf(file));
+    roster.Join({});
+    roster.WhileClosed([&](const QList<TRosterEntry> &entries) {
+        if (entries.size() > 1)
+            throw ESqlError(QStringLiteral("数据库正在使用中，不能替换：%1").arg(file));
+        CheckReplaceable(file, connection.Password());
+        ReplaceDatabaseFile(copy, file);
+    });
 }
 
 void TSqliteDriver::RunServerCommand(const TRewrittenStatement &rewritten)
 {
-    if (FReadOnly)
+    const QString &name = rewritten.CommandDatabase;
+    const TServerCommand command = FServer ? rewritten.Command : TServerCommand::None;
+    if (FReadOnly && command != TServerCommand::BackupDatabase)
+        throw ESqlError((command == TServerCommand::RestoreDatabase
+                             ? QStringLiteral("连接是只读的，不能恢复数据库：%1")
+                             : QStringLiteral("连接是只读的，不能创建或删除数据库：%1"))
+                            .arg(name));
+    switch (command) {
+    case TServerCommand::CreateDatabase:
+        return CreateServerDatabase(name);
+    case TServerCommand::DropDatabase:
+        return DropServerDatabase(name);
+    case TServerCommand::BackupDatabase:
+        return BackupServerDatabase(name, rewritten.CommandFile);
+    case TServerCommand::RestoreDatabase:
+        return RestoreServerDatabase(name, rewritten.CommandFile);
+    case TServerCommand::None:
+        throw ESqlError(QStringLiteral("内嵌数据库引擎不支持此语句：%1").arg(name));
+    }
+}
+
+QString TSqliteDriver::BackupFile(const QString &name) const
+{
+    const QDir folder(FServer->Folder());
+    const QString file = QDir::cleanPath(folder.absoluteFilePath(name));
+    const QFileInfo info(file);
+    if (name.isEmpty() || info.isDir())
+        throw ESqlError(QStringLiteral("没有指定备份文件：%1").arg(name));
+    const bool isOwn = info.suffix() == QLatin1String("db") ||
+                       info.fileName() == QFileInfo(FServer->RosterFile()).fileName();
+    if (isOwn && QFileInfo(info.absolutePath()).canonicalFilePath() == folder.canonicalPath())
+        throw ESqlError(QStringLiteral("备份文件不能放在服务器自己的文件处：%1").arg(file));
+    return file;
+}
+
+void TSqliteDriver::BackupServerDatabase(const QString &name, const QString &backup)
+{
+    const QString target = BackupFile(backup);
+    const auto database = OpenCopySource(FServer->FileOf(name), FTimeout);
+    CheckDatabasePassword(*database, FPassword);
+    const QString known = QFileInfo(database->FileName()).completeBaseName();
+    CopyDatabaseTo(*database, target, [&](TSqliteDatabase &copy) { RecordBackupName(copy, known); });
+}
+
+void TSqliteDriver::RestoreServerDatabase(const QString &name, const QString &backup)
+{
+    const auto source = OpenCopySource(BackupFile(backup), FTimeout);
+    const auto isMaster = [](const QString &database) {
+        return database.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0;
+    };
+    // "master" is no database of anyone's here: what is restored over it goes back to where it came from.
+    const QString database = isMaster(name) ? BackupName(*source) : name;
+    if (database.isEmpty() || isMaster(database))
         throw ESqlError(
-            QStringLiteral("连接是只读的，不能创建或删除数据库：%1").arg(rewritten.CommandDatabase));
-    if (FServer && rewritten.Command == TServerCommand::CreateDatabase)
-        return CreateServerDatabase(rewritten.CommandDatabase);
-    if (FServer && rewritten.Command == TServerCommand::DropDatabase)
-        return DropServerDatabase(rewritten.CommandDatabase);
-    throw ESqlError(QStringLiteral("内嵌数据库引擎不支持此语句：%1").arg(rewritten.CommandDatabase));
+            QStringLiteral("不能恢复到系统数据库 master，备份中也没有其他数据库的名称：%1").arg(backup));
+    const QString file = FServer->FileOf(database);
+    const QString copy = file + QStringLiteral("-restore");
+    CheckReplaceable(file, FPassword);
+    CopyDatabaseTo(*source, copy, [&](TSqliteDatabase &whole) {
+        CheckCopy(whole, source->FileName());
+        ForgetBackupName(whole);
+    });
+    try {
+        FRoster->WhileClosed([&](const QList<TRosterEntry> &entries) {
+            for (const TRosterEntry &entry : entries)
+                if (entry.Database.compare(database, Qt::CaseInsensitive) == 0)
+                    throw ESqlError(QStringLiteral("数据库正在使用中，不能恢复：%1").arg(database));
+            ReplaceDatabaseFile(copy, file);
+        });
+    } catch (...) {
+        QFile::remove(copy);
+        throw;
+    }
 }
 
 void TSqliteDriver::MakeMasterIfMissing()

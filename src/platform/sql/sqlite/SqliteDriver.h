@@ -43,6 +43,9 @@ public:
     void CreateDatabase(const TConnectionString &connection) override;
     void DropDatabase(const TConnectionString &connection) override;
     void CopyDatabase(const QString &fileName) override;
+    void CopyDatabaseFile(const QString &source, const QString &target, TCopyCheck check) override;
+    /// In the Access dialect only; a folder's databases are put back by "restore database".
+    void ReplaceDatabase(const TConnectionString &connection, const QString &copy) override;
 
     /// The session's number, as @@spid gives it; as on the server it stands for, users' numbers
     /// begin at 51.
@@ -65,6 +68,13 @@ private:
     void MakeMasterIfMissing();
     void CreateServerDatabase(const QString &name);
     void DropServerDatabase(const QString &name);
+    void BackupServerDatabase(const QString &name, const QString &backup);
+    void RestoreServerDatabase(const QString &name, const QString &backup);
+    /// The path of a backup's file, which must not be one of the server's own files.
+    QString BackupFile(const QString &name) const;
+    void CheckCopy(TSqliteDatabase &copy, const QString &source) const;
+    /// Raises ESqlError when the file is a whole database with another password.
+    void CheckReplaceable(const QString &fileName, const QString &password) const;
     QString RosterFileOf(const QString &fileName) const;
 
     const TSqlDialect FDialect;
@@ -76,6 +86,7 @@ private:
     TStatementCache FStatements; // goes before the database
     QString FPassword;           // for databases made over this connection
     bool FReadOnly = false;
+    int FTimeout = TSqlConnectOptions().CommandTimeout;
 };
 
 } // namespace Korvane
