@@ -26,5 +26,6 @@ int RunTables(TCommandLine &line, TToolStreams &streams);
 int RunFields(TCommandLine &line, TToolStreams &streams);
 int RunSql(TCommandLine &line, TToolStreams &streams);
 int RunClass(TCommandLine &line, TToolStreams &streams);
+int RunImport(TCommandLine &line, TToolStreams &streams);
 
 } // namespace Korvane

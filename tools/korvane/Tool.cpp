@@ -33,6 +33,19 @@ TOption BoolAsCharOption()
     return Flag(QStringLiteral("bool-as-char"), QStringLiteral("布尔栏位建成 char(1)，不用 bit"));
 }
 
+QList<TOption> ImportOptions()
+{
+    return {{QStringLiteral("design"), QStringLiteral("FILE"), QStringLiteral("新数据库的设计文件")},
+            Flag(QStringLiteral("plan"), QStringLiteral("只列出表和列的对应关系，不导入")),
+            {QStringLiteral("write-design"), QStringLiteral("FILE"),
+             QStringLiteral("按旧表写出设计文件，不导入")},
+            {QStringLiteral("old-password"), QStringLiteral("TEXT"), QStringLiteral("旧数据库的密码")},
+            {QStringLiteral("user-code"), QStringLiteral("CODE"),
+             QStringLiteral("旧表没有创建者等列时填写的用户，默认为 admin")},
+            {QStringLiteral("user-group"), QStringLiteral("CODE"),
+             QStringLiteral("旧表没有创建者组时填写的组，默认为 Admins")}};
+}
+
 const QList<TCommand> &Commands()
 {
     static const QList<TCommand> commands = {
@@ -95,6 +108,14 @@ const QList<TCommand> &Commands()
                             {QStringLiteral("namespace"), QStringLiteral("NS"),
                              QStringLiteral("类所在的名字空间，例如 Orders::Records")}},
          RunClass},
+        {QStringLiteral("import"),
+         QStringLiteral("OLD --design FILE --database NAME | OLD --write-design FILE"),
+         QStringLiteral("把旧的 Jet 数据库导入新数据库"),
+         QStringLiteral("全部的值都放得下并且校验一致才建立新数据库；新数据库已经存在时先询问是否覆盖。"
+                        "选项 --write-design 按旧表写出设计文件。"),
+         ImportOptions() + SessionOptions() +
+             QList<TOption>{BoolAsCharOption(), YesOption(), ProgressOption()},
+         RunImport},
     };
     return commands;
 }

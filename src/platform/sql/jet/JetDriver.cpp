@@ -90,6 +90,39 @@ TDataPacket JetColumnsRowset(TJetFile &file, const QVariantList &restrictions)
     return ColumnsRowset(database, restrictions);
 }
 
+TDataPacket JetIndexesRowset(TJetFile &file, const QVariantList &restrictions)
+{
+    TDataPacketBuilder builder({{QStringLiteral("TABLE_NAME"), ftString, 128},
+                                {QStringLiteral("INDEX_NAME"), ftString, 128},
+                                {QStringLiteral("COLUMN_NAME"), ftString, 128},
+                                {QStringLiteral("ORDINAL_POSITION"), ftInteger},
+                                {QStringLiteral("UNIQUE"), ftString, 1},
+                                {QStringLiteral("PRIMARY_KEY"), ftString, 1}});
+    const auto flag = [](bool value) { return value ? QStringLiteral("Y") : QStringLiteral("N"); };
+    for (const TJetTableInfo &table : file.Tables()) {
+        if (table.Kind != TJetTableKind::Table || !Admits(restrictions, 0, table.Name))
+            continue;
+        for (const TJetIndex &index : file.Indexes(table.Name)) {
+            for (qsizetype i = 0; i < index.Columns.size(); ++i) {
+                const QStringList row = {table.Name,           index.Name,
+                                         index.Columns[i],     QString::number(i + 1),
+                                         flag(index.IsUnique), flag(index.IsPrimary)};
+                bool isAdmitted = true;
+                for (int field = 1; field < row.size(); ++field)
+                    isAdmitted = isAdmitted && Admits(restrictions, field, row[field]);
+                if (!isAdmitted)
+                    continue;
+                for (int field = 0; field < row.size(); ++field)
+                    if (field != 3)
+                        AppendText(builder, field, row[field]);
+                builder.AppendInt(3, i + 1);
+                builder.EndRow();
+            }
+        }
+    }
+    return std::move(builder).Build();
+}
+
 } // namespace
 
 bool TJetDriver::IsJetFile(const QString &fileName) { return TJetFile::IsJetFile(fileName); }
@@ -174,6 +207,7 @@ TDataPacket TJetDriver::OpenSchema(TSchemaInfo schema, const QVariantList &restr
     case siColumns:
         return JetColumnsRowset(file, restrictions);
     case siIndexes:
+        return JetIndexesRowset(file, restrictions);
     case siProviderSpecific:
         break;
     }

@@ -32,7 +32,7 @@ public:
     bool InTransaction() const override { return false; }
     /// Removes the file: a Jet file can be replaced by a new database, though not written to.
     void DropDatabase(const TConnectionString &connection) override;
-    /// siTables, system tables first, and siColumns.
+    /// siTables, system tables first, siColumns, and siIndexes of the tables that are no system tables.
     TDataPacket OpenSchema(TSchemaInfo schema, const QVariantList &restrictions,
                            const QString &schemaId) override;
 

@@ -52,6 +52,20 @@ QList<TJetColumn> TJetFile::Columns(const QString &table)
     return columns;
 }
 
+QList<TJetIndex> TJetFile::Indexes(const QString &table)
+{
+    QList<TJetIndex> indexes;
+    Guarded([&] { indexes = TJetTable(*FPages, Find(table).Page).Indexes(); });
+    return indexes;
+}
+
+qint64 TJetFile::RowCount(const QString &table)
+{
+    size_t rows = 0;
+    Guarded([&] { rows = TJetTable(*FPages, Find(table).Page).RowCount(); });
+    return qint64(rows);
+}
+
 void TJetFile::ReadTable(const QString &table, const TJetRowFunction &row)
 {
     Guarded([&] { TJetTable(*FPages, Find(table).Page).ReadRows(row); });

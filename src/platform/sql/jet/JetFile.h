@@ -48,6 +48,10 @@ public:
     const QList<TJetTableInfo> &Tables() const { return FTables; }
     /// Names are blind to the case of letters. An unknown table raises ESqlError.
     QList<TJetColumn> Columns(const QString &table);
+    /// The table's indexes in the order of the file; those that only serve a relation are left out.
+    QList<TJetIndex> Indexes(const QString &table);
+    /// How many rows the table's definition counts, which may be behind after a program was killed.
+    qint64 RowCount(const QString &table);
     /// Calls for each row of the table in the order of the file.
     void ReadTable(const QString &table, const TJetRowFunction &row);
 

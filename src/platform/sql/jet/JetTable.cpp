@@ -46,8 +46,8 @@ std::string_view View(TJetBytes bytes)
 
 TJetTable::TJetTable(TJetPages &pages, quint32 definitionPage) : FPages(pages), FPage(definitionPage)
 {
-    const std::vector<quint8> bytes = DefinitionBytes(definitionPage);
-    ReadColumns({bytes.data(), bytes.size()});
+    FDefinition = DefinitionBytes(definitionPage);
+    ReadColumns({FDefinition.data(), FDefinition.size()});
     FCells.resize(FPlaces.size());
     FBuffers.resize(FPlaces.size());
 }
@@ -91,13 +91,24 @@ void TJetTable::ReadColumns(TJetBytes definition)
     if (count == 0 || count > MaxColumns)
         throw EJetDamage(QStringLiteral("表的字段数无效"));
 
-    size_t at = layout.TableHeader + size_t(definition.U32(layout.TableIndexes)) * layout.IndexRecord;
+    FIndexPlaces.PhysicalCount = definition.U32(layout.TableIndexes);
+    FIndexPlaces.NamedCount = definition.U32(layout.TableIndexes - 4);
+    size_t at = layout.TableHeader + FIndexPlaces.PhysicalCount * layout.IndexRecord;
     for (int i = 0; i < count; ++i, at += layout.ColumnRecord) {
         TPlace place;
         FColumns.append(ReadColumn(definition.Slice(at, layout.ColumnRecord), place));
         FPlaces.push_back(place);
     }
-    ReadNames(definition, at);
+    FIndexPlaces.At = ReadNames(definition, at);
+}
+
+QList<TJetIndex> TJetTable::Indexes()
+{
+    QHash<int, QString> names;
+    for (size_t i = 0; i < FPlaces.size(); ++i)
+        names.insert(FPlaces[i].Number, FColumns[qsizetype(i)].Name);
+    return ReadJetIndexes({FDefinition.data(), FDefinition.size()}, FIndexPlaces, FPages.Layout().IsJet3,
+                          names, TextOf(0));
 }
 
 TJetColumn TJetTable::ReadColumn(TJetBytes record, TPlace &place)
@@ -108,6 +119,7 @@ TJetColumn TJetTable::ReadColumn(TJetBytes record, TPlace &place)
     const int flags = record.U8(layout.ColumnFlags);
     column.IsFixed = (flags & 1) != 0;
     column.IsNullable = (flags & 2) != 0;
+    column.IsAuto = (flags & 4) != 0 && column.Type == TJetType::LongInteger;
     place.Number = record.U16(layout.ColumnNumber);
     place.IsFixed = column.IsFixed;
     place.Offset = record.U16(layout.ColumnFixed);
@@ -131,7 +143,8 @@ TJetColumn TJetTable::ReadColumn(TJetBytes record, TPlace &place)
 }
 
 // Names follow the records in their order; the columns' own order is that of their numbers.
-void TJetTable::ReadNames(TJetBytes definition, size_t at)
+// Gives the place behind the names.
+size_t TJetTable::ReadNames(TJetBytes definition, size_t at)
 {
     const bool isJet3 = FPages.Layout().IsJet3;
     TJetText &text = TextOf(0);
@@ -159,6 +172,7 @@ void TJetTable::ReadNames(TJetBytes definition, size_t at)
     }
     FColumns = std::move(columns);
     FPlaces = std::move(places);
+    return at;
 }
 
 // A Jet 3 text without a code page of its own has the one of the file.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/sql/jet/JetIndexes.h"
 #include "platform/sql/jet/JetPages.h"
 #include "platform/sql/jet/JetValue.h"
 
@@ -41,6 +42,7 @@ struct TJetColumn
     int Scale = 0;        ///< decimal places, of a decimal
     bool IsFixed = false; ///< a fixed text comes filled with blanks
     bool IsNullable = true;
+    bool IsAuto = false; ///< the engine numbers the rows
 };
 
 /// A cell of a row. Bytes is valid until the next row.
@@ -64,6 +66,9 @@ public:
 
     const QList<TJetColumn> &Columns() const { return FColumns; }
     int IndexOf(QStringView name) const;
+    /// How many rows the definition counts, which may be behind after a program was killed.
+    size_t RowCount() const { return FRowCount; }
+    QList<TJetIndex> Indexes();
     /// Calls for each row in the order of the file; deleted rows are passed over.
     void ReadRows(const TJetRowFunction &row);
 
@@ -90,7 +95,7 @@ private:
     std::vector<quint8> DefinitionBytes(quint32 page) const;
     void ReadColumns(TJetBytes definition);
     TJetColumn ReadColumn(TJetBytes record, TPlace &place);
-    void ReadNames(TJetBytes definition, size_t at);
+    size_t ReadNames(TJetBytes definition, size_t at);
     TJetText &TextOf(int codePage);
 
     std::vector<quint32> DataPages();
@@ -109,6 +114,8 @@ private:
 
     TJetPages &FPages;
     quint32 FPage;
+    std::vector<quint8> FDefinition;
+    TJetIndexPlaces FIndexPlaces;
     quint32 FUsageMap = 0; ///< pointer to the row that holds it
     size_t FRowCount = 0;
     int FVariableCount = 0;

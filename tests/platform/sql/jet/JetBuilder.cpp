@@ -70,6 +70,11 @@ void TJetBuilder::BeginTable(const QString &name, const QList<TColumn> &columns)
     AddRow(FTables.first(), {Int(table.Page, 4), Int(1, 2), Int(0, 4), NameBytes(name), std::nullopt});
 }
 
+void TJetBuilder::AddIndex(const QString &name, const QList<int> &columns, TIndexKind kind)
+{
+    FTables.last().Indexes.append({name, columns, kind});
+}
+
 quint32 TJetBuilder::AddPage(TTable &table, const TPage &page)
 {
     const auto number = quint32(FPages.size());
@@ -170,7 +175,9 @@ QByteArray TJetBuilder::Definition(const TTable &table, int mapRow) const
     page += QByteArray(FIsJet3 ? 4 : 8, 0) + Int(quint64(table.RowCount), 4);
     page.append((FIsJet3 ? 21 : 41) - page.size(), 0);
     page += Int(quint64(columns.size()), 2) + Int(quint64(variable), 2) + Int(quint64(columns.size()), 2);
-    page += Int(0, 8) + Int(MapsPage << 8 | quint32(mapRow), 4) + Int(MapsPage << 8 | quint32(mapRow), 4);
+    page += Int(quint64(table.Indexes.size()), 4) + Int(quint64(table.Indexes.size()), 4);
+    page += Int(MapsPage << 8 | quint32(mapRow), 4) + Int(MapsPage << 8 | quint32(mapRow), 4);
+    page += QByteArray(table.Indexes.size() * (FIsJet3 ? 8 : 12), 0);
     int offset = 0;
     int nextVariable = 0;
     for (qsizetype i = 0; i < columns.size(); ++i) {
@@ -184,7 +191,8 @@ QByteArray TJetBuilder::Definition(const TTable &table, int mapRow) const
         put(FIsJet3 ? 3 : 7, quint64(column.IsFixed ? 0 : nextVariable++), 2);
         put(FIsJet3 ? 9 : 11, quint64(column.Precision), 1);
         put(FIsJet3 ? 10 : 12, quint64(column.Scale), 1);
-        put(FIsJet3 ? 13 : 15, column.IsFixed ? 3 : 2, 1);
+        put(FIsJet3 ? 13 : 15,
+            (column.IsFixed ? 1 : 0) | (column.IsRequired ? 0 : 2) | (column.IsAuto ? 4 : 0), 1);
         put(FIsJet3 ? 14 : 21, quint64(offset), 2);
         put(FIsJet3 ? 16 : 23, quint64(column.Size), 2);
         if (column.IsFixed && column.Type != TJetType::Boolean)
@@ -195,7 +203,34 @@ QByteArray TJetBuilder::Definition(const TTable &table, int mapRow) const
         const QByteArray name = NameBytes(column.Name);
         page += Int(quint64(name.size()), FIsJet3 ? 1 : 2) + name;
     }
-    return page.leftJustified(PageSize(), 0);
+    return (page + IndexDefinitions(table.Indexes)).leftJustified(PageSize(), 0);
+}
+
+// The trees of keys in order, their names from the last to the first, so that the number of a
+// tree is not that of its name.
+QByteArray TJetBuilder::IndexDefinitions(const QList<TIndex> &indexes) const
+{
+    QByteArray trees, records, names;
+    for (const TIndex &index : indexes) {
+        QByteArray tree(FIsJet3 ? 39 : 52, 0);
+        for (qsizetype i = 0; i < 10; ++i) {
+            const int column = i < index.Columns.size() ? index.Columns[i] : 0xffff;
+            tree.replace((FIsJet3 ? 0 : 4) + 3 * i, 3, Int(quint64(column), 2) + Int(1, 1));
+        }
+        tree[FIsJet3 ? 38 : 42] = char(index.Kind == TIndexKind::Unique ? 1 : 0);
+        trees += tree;
+    }
+    for (qsizetype i = indexes.size() - 1; i >= 0; --i) {
+        QByteArray record(FIsJet3 ? 20 : 28, 0);
+        record.replace(FIsJet3 ? 0 : 4, 8, Int(quint64(indexes.size() - 1 - i), 4) + Int(quint64(i), 4));
+        record[FIsJet3 ? 19 : 23] = char(indexes[i].Kind == TIndexKind::Primary    ? 1
+                                         : indexes[i].Kind == TIndexKind::Relation ? 2
+                                                                                   : 0);
+        records += record;
+        const QByteArray name = NameBytes(indexes[i].Name);
+        names += Int(quint64(name.size()), FIsJet3 ? 1 : 2) + name;
+    }
+    return trees + records + names;
 }
 
 QByteArray TJetBuilder::DataPage(const TPage &page) const

@@ -28,13 +28,18 @@ public:
         bool IsFixed = false;
         int Precision = 0;
         int Scale = 0;
+        bool IsRequired = false;
+        bool IsAuto = false;
     };
+    enum class TIndexKind { Plain, Unique, Primary, Relation };
     using TCells = QList<std::optional<QByteArray>>; ///< a boolean is true when it has a value
 
     TJetBuilder(const QByteArray &samplePage, bool isJet3);
 
     /// All that follows goes to this table.
     void BeginTable(const QString &name, const QList<TColumn> &columns);
+    /// Describes an index on columns by their numbers; it has no pages of its own.
+    void AddIndex(const QString &name, const QList<int> &columns, TIndexKind kind);
     void AddRow(const TCells &cells) { AddRow(FTables.last(), cells); }
     /// Flags go to the row's offset: 0x8000 deleted, 0x4000 moved.
     void AddRawRow(const QByteArray &row, int flags) { AddRawRow(FTables.last(), row, flags); }
@@ -70,9 +75,16 @@ private:
         QList<QByteArray> Rows;
         QList<int> Flags;
     };
+    struct TIndex
+    {
+        QString Name;
+        QList<int> Columns;
+        TIndexKind Kind = TIndexKind::Plain;
+    };
     struct TTable
     {
         QList<TColumn> Columns;
+        QList<TIndex> Indexes;
         quint32 Page = 0;
         QList<quint32> Pages; ///< of rows and long values
         quint32 RowPage = 0;
@@ -89,6 +101,7 @@ private:
     void AddRawRow(TTable &table, const QByteArray &row, int flags);
     QByteArray PackRow(const QList<TColumn> &columns, const TCells &cells) const;
     QByteArray Definition(const TTable &table, int mapRow) const;
+    QByteArray IndexDefinitions(const QList<TIndex> &indexes) const;
     QByteArray DataPage(const TPage &page) const;
     QByteArray UsageMap(const TTable &table, QByteArray &file) const;
     void PutPage(QByteArray &file, quint32 number, const QByteArray &page) const;

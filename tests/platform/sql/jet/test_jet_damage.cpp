@@ -220,5 +220,30 @@ TEST_F(JetCircles, PageOfRowsThatIsWipedOut)
               QStringLiteral("数据库文件“”已损坏：第 %1 页属于别的表").arg(builder.RowPage()));
 }
 
+// Whatever byte of the definition is wrong: the indexes are read, or the damage is told.
+TEST(JetDamage, TellsDamagedIndexes)
+{
+    QTemporaryDir folder;
+    TJetBuilder builder(ReadBytes(Sample(QStringLiteral("orders.dbd"))).first(4096), false);
+    builder.BeginTable(QStringLiteral("T"), {{QStringLiteral("A"), TJetType::LongInteger, 4, true}});
+    builder.AddIndex(QStringLiteral("K"), {0}, TJetBuilder::TIndexKind::Primary);
+    const QByteArray whole = builder.Build();
+    const auto definition = qsizetype(builder.TablePage()) * 4096;
+    int told = 0;
+    for (qsizetype at = definition + 47; at < definition + 47 + 160; ++at) {
+        QByteArray bytes = whole;
+        bytes[at] = '\xff';
+        const QString path = WriteBytes(folder, QStringLiteral("index.mdb"), bytes);
+        try {
+            TJetFile file(path);
+            EXPECT_LE(file.Indexes(QStringLiteral("T")).size(), 1);
+        } catch (const ESqlError &error) {
+            EXPECT_TRUE(error.Message().contains(path)) << error.what();
+            ++told;
+        }
+    }
+    EXPECT_GT(told, 10);
+}
+
 } // namespace
 } // namespace Korvane
