@@ -11,6 +11,10 @@ packages=(
   sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
   mdbtools              # its mdb-export: peer of the benchmarks
   mdbtools-dev          # libmdb, the reader of Jet files
+  unixodbc-dev          # the driver manager of ODBC: Microsoft SQL Server and PostgreSQL
+  odbc-postgresql       # its driver for PostgreSQL
+  tdsodbc               # and FreeTDS, for SQL Server
+  postgresql            # the server of the tests, with pg_dump and pg_restore
   zlib1g-dev            # checksums of packet files
   libicu-dev            # code page 936, simplified and traditional Chinese
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -2,6 +2,7 @@
 #include "platform/sql/DriverRegistry.h"
 
 #include "platform/sql/jet/JetDriver.h"
+#include "platform/sql/odbc/OdbcDriver.h"
 #include "platform/sql/sqlite/FolderServer.h"
 #include "platform/sql/sqlite/SqliteDriver.h"
 
@@ -21,6 +22,9 @@ QList<TDriverEntry> BuiltInDrivers()
              return TFolderServer::IsAddress(connection.DataSource());
          },
          [] { return std::make_unique<TSqliteDriver>(TSqlDialect::MSSQL); }},
+        {QStringLiteral("odbc"), serverProvider,
+         [](const TConnectionString &connection) { return TOdbcDriver::IsServer(connection.DataSource()); },
+         [] { return std::make_unique<TOdbcDriver>(); }},
         {QStringLiteral("jet"), jetProvider,
          [](const TConnectionString &connection) { return TJetDriver::IsJetFile(connection.DataSource()); },
          [] { return std::make_unique<TJetDriver>(); }},

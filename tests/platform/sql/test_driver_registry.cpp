@@ -39,7 +39,7 @@ TEST(DriverRegistry, what_nobody_serves_is_told)
         QString Message;
     } rows[] = {
         {u"Provider=MSDAORA.1;Data Source=ora"_s, u"没有可用的数据库驱动程序：MSDAORA.1，ora"_s},
-        {u"Provider=SQLOLEDB.1;Data Source=server1"_s, u"没有可用的数据库驱动程序：SQLOLEDB.1，server1"_s},
+        {u"Provider=SQLOLEDB.1;Data Source="_s, u"没有可用的数据库驱动程序：SQLOLEDB.1，"_s},
         {u"Data Source=server1"_s, u"连接字符串没有指定数据提供者"_s},
         {u""_s, u"连接字符串没有指定数据提供者"_s},
     };

@@ -1,52 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/dialect/FunctionRules.h"
-#include "platform/sql/dialect/TypeRules.h"
+#include "platform/sql/dialect/SqlEngine.h"
 
 using namespace Qt::StringLiterals;
 
 namespace Korvane {
-
-namespace {
-
-/// The function that turns a value into a type, with what stands behind the value.
-struct TConversion
-{
-    QString Function;
-    QString Arguments;
-    TSqlValueKind Kind = TSqlValueKind::Unknown;
-};
-
-TConversion ConversionTo(const TSqlType &type, const QString &style)
-{
-    const bool isDay = type.EngineName == "date text"_L1;
-    switch (type.Class) {
-    case TSqlTypeClass::Text: {
-        QString arguments =
-            type.Length >= 0 || !style.isEmpty() ? u", "_s + QString::number(type.Length) : QString();
-        if (!style.isEmpty())
-            arguments += u", "_s + style;
-        return {u"korvane_text"_s, arguments, TSqlValueKind::Text};
-    }
-    case TSqlTypeClass::Whole:
-        return {u"korvane_truncated"_s, {}, TSqlValueKind::Whole};
-    case TSqlTypeClass::Decimal:
-        return {u"korvane_decimal"_s, u", "_s + QString::number(std::max(type.Scale, 0)),
-                TSqlValueKind::Number};
-    case TSqlTypeClass::Float:
-        return {u"korvane_number"_s, {}, TSqlValueKind::Number};
-    case TSqlTypeClass::Flag:
-        return {u"korvane_flag"_s, {}, TSqlValueKind::Text};
-    case TSqlTypeClass::Moment:
-        return {isDay ? u"korvane_day"_s : u"korvane_moment"_s, {}, TSqlValueKind::Text};
-    case TSqlTypeClass::Binary:
-        return {u"korvane_blob"_s, {}, TSqlValueKind::Unknown};
-    case TSqlTypeClass::Other:
-        break;
-    }
-    RefuseSql(u"CONVERT "_s + type.EngineName.toUpper());
-}
-
-} // namespace
 
 TSqlOperand TQueryRules::FunctionCall(int first, int name)
 {
@@ -55,6 +13,7 @@ TSqlOperand TQueryRules::FunctionCall(int first, int name)
     const int close = C.Edits.Match(open);
     const TSqlToken &word = C.Edits[name];
     TSqlOperand call{first, close, TSqlValueKind::Unknown, TSqlForm::Single, {}, 0};
+    C.Engine.WriteFunctionName(C, name);
     C.Advance();
     if (word.Is("cast"_L1) || (word.Is("convert"_L1) && !C.IsAccess()))
         call.Kind = Conversion(name, close, word.Is("cast"_L1));
@@ -64,9 +23,26 @@ TSqlOperand TQueryRules::FunctionCall(int first, int name)
     // Windowed functions are the engine's own.
     if (C.Is("over"_L1) && C.IsOperator("("_L1, 1)) {
         C.Advance();
-        call.Last = Group().Last;
+        call.Last = Window();
     }
     return call;
+}
+
+/// (partition by A order by B …); gives the token of its end.
+int TQueryRules::Window()
+{
+    const int close = C.Edits.Match(C.At);
+    C.Advance();
+    if (C.Is("partition"_L1) && C.Is("by"_L1, 1)) {
+        C.Advance(2);
+        ExpressionList();
+    }
+    if (C.Is("order"_L1) && C.Is("by"_L1, 1)) {
+        C.Advance(2);
+        OrderItems();
+    }
+    C.At = close + 1;
+    return close;
 }
 
 /// cast(x as type) or convert(type, x, style).
@@ -97,9 +73,11 @@ TSqlValueKind TQueryRules::Conversion(int name, int close, bool isCast)
     }
     if (!value.IsValid() || C.At != close)
         C.Fail();
-    const TConversion conversion = ConversionTo(type, style);
+    const TSqlConversion conversion = C.Engine.ConversionTo(type, style);
     C.Edits.Replace(name, conversion.Function);
     C.Edits.After(value.Last, conversion.Arguments);
+    if (!conversion.Suffix.isEmpty())
+        C.Edits.After(close, conversion.Suffix);
     if (!isCast && !C.Edits[value.First].Blanks.isEmpty())
         C.Edits.TightenBefore(value.First);
     return conversion.Kind;
@@ -109,7 +87,7 @@ TSqlValueKind TQueryRules::PlainCall(int name, int close)
 {
     const TSqlToken &word = C.Edits[name];
     const int open = name + 1;
-    const TFunctionRule *rule = FindFunctionRule(word.Text, C.Dialect);
+    const TFunctionRule *rule = C.Engine.FindFunction(word.Text, C.Dialect);
     if (rule && rule->Case == TFunctionCase::Part && !C.IsAccess() && C.Token().Kind == TSqlTokenKind::Word)
         C.Edits.Replace(C.At, u'\'' + C.Token().Text.toString() + u'\'');
     int count = 0;
@@ -135,17 +113,7 @@ TSqlValueKind TQueryRules::PlainCall(int name, int close)
         return TSqlValueKind::Unknown;
     if (count < rule->MinArguments || count > rule->MaxArguments)
         throw ESqlError(u"函数“%1”的参数个数不正确"_s.arg(word.Text.toString().toUpper()));
-    if (rule->Case == TFunctionCase::NullTest) {
-        C.Edits.Replace(name, u"("_s);
-        C.Edits.After(close, u" is null)"_s);
-    } else if (!rule->Target.isEmpty()) {
-        C.Edits.Replace(name, rule->Target);
-    }
-    if (rule->Case == TFunctionCase::Default && count == 1 && arguments[0].IsValid())
-        C.Edits.After(arguments[0].Last, u", ''"_s);
-    if (word.Is("iif"_L1) && arguments[1].Kind == arguments[2].Kind)
-        return arguments[1].Kind;
-    return rule->Kind;
+    return C.Engine.WriteCall(C, *rule, name, close, arguments);
 }
 
 /// A query as a function's argument stands without brackets of its own: in(select …) is read

@@ -19,6 +19,7 @@ TTableRules::TColumn TTableRules::ReadColumn(bool hasName)
         column.Name = C.Name();
     if (hasName && C.Is("as"_L1) && C.IsOperator("("_L1, 1)) {
         // A computed column.
+        ComputedColumn();
         C.Advance();
         FQuery.Group();
         if (C.Is("persisted"_L1)) {
@@ -37,6 +38,7 @@ TTableRules::TColumn TTableRules::ReadColumn(bool hasName)
             C.Fail();
     }
     column.Last = C.At - 1;
+    EndColumn(column);
     return column;
 }
 
@@ -51,6 +53,12 @@ void TTableRules::WriteType(const TColumn &column)
     }
     if (type.Class == TSqlTypeClass::Text || type.Class == TSqlTypeClass::Flag)
         C.Edits.After(type.Last, u" collate nocase"_s);
+}
+
+void TTableRules::WriteExactOrder(const TColumn &column)
+{
+    if (column.IsExact)
+        C.Edits.After(C.At - 1, u" collate binary"_s);
 }
 
 bool TTableRules::ReadColumnOption(TColumn &column)
@@ -71,7 +79,9 @@ bool TTableRules::ReadColumnOption(TColumn &column)
     } else if (C.Accept("default"_L1)) {
         ReadDefault(column);
     } else if (C.Accept("constraint"_L1)) {
-        C.Name();
+        const int name = C.Name();
+        if (C.Is("default"_L1))
+            column.DefaultName = SqlName(C.Edits[name]);
     } else if (C.Accept("primary"_L1)) {
         column.Key = C.At;
         ReadKey(nullptr);
@@ -90,8 +100,8 @@ bool TTableRules::ReadColumnOption(TColumn &column)
     } else if (C.Is("collate"_L1)) {
         const QString order = SqlName(C.Token(1)).toLower();
         C.Drop(2);
-        if (order.contains("_cs"_L1) || order.contains("_bin"_L1))
-            C.Edits.After(C.At - 1, u" collate binary"_s);
+        column.IsExact = order.contains("_cs"_L1) || order.contains("_bin"_L1);
+        WriteExactOrder(column);
     } else if (C.Is("with"_L1)) {
         C.Drop(2); // with compression, with values
     } else if (C.IsAnyOf({"rowguidcol"_L1, "sparse"_L1})) {
@@ -173,7 +183,7 @@ TTableRules::TConstraint TTableRules::ReadConstraint()
         C.Expect("key"_L1);
         if (!C.IsOperator("("_L1))
             C.Fail();
-        C.Advance(C.Edits.Match(C.At) - C.At + 1);
+        C.NameList();
         C.Expect("references"_L1);
         ReadReferences();
     } else if (C.Is("default"_L1)) {
@@ -197,7 +207,7 @@ void TTableRules::ReadReferences()
 {
     C.TableName();
     if (C.IsOperator("("_L1))
-        C.Advance(C.Edits.Match(C.At) - C.At + 1);
+        C.NameList();
     while (C.Is("on"_L1) && C.IsAnyOf({"delete"_L1, "update"_L1}, 1)) {
         C.Advance(2);
         if (C.IsAnyOf({"set"_L1, "no"_L1}))
@@ -242,7 +252,7 @@ QString TTableRules::FlagDefault(int token) const
 }
 
 /// The clock is written in functions of SQLite's own, so that any tool may insert into the table.
-bool TTableRules::WriteClockDefault(int first, int last)
+QString TTableRules::ClockDefault(const TSqlToken &name) const
 {
     struct TClock
     {
@@ -256,16 +266,24 @@ bool TTableRules::WriteClockDefault(int first, int last)
         {"getutcdate"_L1, "(strftime('%Y-%m-%d %H:%M:%f', 'now'))"_L1},
         {"date"_L1, "(date('now', 'localtime'))"_L1},
         {"time"_L1, "(time('now', 'localtime'))"_L1}};
-    const bool isCall = last == first + 2 && C.Edits[first + 1].IsOperator("("_L1);
     for (const TClock &clock : Clocks) {
-        if (!C.Edits[first].Is(clock.Name) ||
-            (!isCall && (last > first || clock.Name != "current_timestamp"_L1)))
-            continue;
-        C.Edits.Replace(first, clock.Engine);
-        C.Edits.Remove(first + 1, last);
-        return true;
+        if (name.Is(clock.Name))
+            return clock.Engine;
     }
-    return false;
+    return {};
+}
+
+bool TTableRules::WriteClockDefault(int first, int last)
+{
+    const bool isCall = last == first + 2 && C.Edits[first + 1].IsOperator("("_L1);
+    if (!isCall && (last > first || !C.Edits[first].Is("current_timestamp"_L1)))
+        return false;
+    const QString clock = ClockDefault(C.Edits[first]);
+    if (clock.isEmpty())
+        return false;
+    C.Edits.Replace(first, clock);
+    C.Edits.Remove(first + 1, last);
+    return true;
 }
 
 void TTableRules::ReadDefault(TColumn &column)
@@ -276,6 +294,8 @@ void TTableRules::ReadDefault(TColumn &column)
     if (last < first)
         C.Fail();
     column.HasDefault = !C.Edits[first].Is("null"_L1);
+    column.DefaultFirst = first;
+    column.DefaultLast = last;
     while (C.Edits[first].IsOperator("("_L1) && C.Edits.Match(first) == last && last > first + 1) {
         C.Edits.Remove(first, first);
         C.Edits.Remove(last, last);

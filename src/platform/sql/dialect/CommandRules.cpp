@@ -8,33 +8,70 @@ using namespace Qt::StringLiterals;
 
 namespace Korvane {
 
-namespace {
+void TCommandRules::Insert() { TRowRules(C).Insert(); }
+
+void TCommandRules::Update() { TRowRules(C).Update(); }
+
+void TCommandRules::Delete() { TRowRules(C).Delete(); }
+
+void TCommandRules::CreateTable(int first) { TTableRules(C).CreateTable(first); }
+
+void TCommandRules::AlterTable() { TTableRules(C).AlterTable(); }
 
 /// SQLite's index names are unique in the database, the dialects' in their table.
-QString IndexName(const QString &table, const QString &index) { return QuotedSqlName(table + u'.' + index); }
+QString TCommandRules::IndexName(const QString &table, const QString &index) const
+{
+    return QuotedSqlName(table + u'.' + index);
+}
 
-} // namespace
+void TCommandRules::Truncate(const QString &table) { C.AddStep(u"delete from "_s + table); }
 
+void TCommandRules::Batch()
+{
+    bool endsOpen = false;
+    while (!C.AtEnd()) {
+        endsOpen = false;
+        if (C.AcceptOperator(";"_L1))
+            continue;
+        const auto stepsBefore = C.Result.Steps.size();
+        Statement();
+        // The next statement begins behind a ";" or with its first word.
+        if (!C.AtStatementEnd() || C.IsOperator(")"_L1))
+            C.Fail();
+        endsOpen = C.AtEnd() && C.Result.Steps.size() > stepsBefore;
+    }
+    TRewrittenStatement &result = C.Result;
+    if (result.Command != TServerCommand::None && !result.Steps.isEmpty())
+        RefuseSql(u"一批中的 DATABASE 语句和其他语句"_s);
+    // What stands behind the last statement stays with it.
+    if (endsOpen && !result.Steps.last().Change)
+        result.Steps.last().Sql += C.Token().Blanks.toUtf8();
+}
+
+/// The statement at the cursor.
 void TCommandRules::Statement()
 {
     if (FQuery.AtQuery())
         return Select();
     if (C.Is("insert"_L1))
-        return TRowRules(C).Insert();
+        return Insert();
     if (C.Is("update"_L1))
-        return TRowRules(C).Update();
+        return Update();
     if (C.Is("delete"_L1))
-        return TRowRules(C).Delete();
+        return Delete();
     if (C.Is("create"_L1))
         return Create();
     if (C.Is("drop"_L1))
         return Drop();
     if (C.Is("alter"_L1) && C.Is("table"_L1, 1)) {
         C.Advance(2);
-        return TTableRules(C).AlterTable();
+        return AlterTable();
     }
-    if (C.Is("truncate"_L1) && C.Is("table"_L1, 1))
-        return Truncate();
+    if (C.Is("truncate"_L1) && C.Is("table"_L1, 1)) {
+        C.Advance(2);
+        const TSqlNameChain name = C.TableName();
+        return Truncate(C.Edits.Trimmed(name.First, name.Last));
+    }
     if (C.Is("begin"_L1))
         return Begin();
     if (C.Is("commit"_L1))
@@ -91,7 +128,7 @@ void TCommandRules::Create()
         CreateIndex(first);
     } else if (C.Is("table"_L1, 1)) {
         C.Advance();
-        TTableRules(C).CreateTable(first);
+        CreateTable(first);
     } else if (C.Is("view"_L1, 1)) {
         C.Advance();
         CreateView(first);
@@ -120,7 +157,7 @@ void TCommandRules::CreateIndex(int first)
     if (!C.IsOperator("("_L1))
         C.Fail();
     C.Edits.Replace(index, IndexName(SqlName(C.Edits[table.Parts.last()]), SqlName(C.Edits[index])));
-    FQuery.Group();
+    IndexColumns();
     if (C.IsAnyOf({"include"_L1, "where"_L1}))
         RefuseSql(u"CREATE INDEX … "_s + C.Token().Text.toString().toUpper());
     // How the dialects keep an index makes no difference here: with fillfactor=80, on [PRIMARY].
@@ -142,7 +179,7 @@ void TCommandRules::CreateView(int first)
     C.Expect("view"_L1);
     C.TableName();
     if (C.IsOperator("("_L1))
-        C.Advance(C.Edits.Match(C.At) - C.At + 1);
+        C.NameList();
     if (C.Is("with"_L1)) {
         while (!C.Is("as"_L1) && !C.AtStatementEnd())
             C.Drop();
@@ -193,13 +230,6 @@ void TCommandRules::DropIndex()
             C.Fail();
         C.AddStep(u"drop index "_s + IndexName(SqlName(C.Edits[table]), index));
     } while (C.AcceptOperator(","_L1));
-}
-
-void TCommandRules::Truncate()
-{
-    C.Advance(2);
-    const TSqlNameChain name = C.TableName();
-    C.AddStep(u"delete from "_s + C.Edits.Trimmed(name.First, name.Last));
 }
 
 void TCommandRules::Begin()

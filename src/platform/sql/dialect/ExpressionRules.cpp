@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/sql/dialect/QueryRules.h"
+#include "platform/sql/dialect/SqlEngine.h"
 
 #include <QVarLengthArray>
 
@@ -291,11 +291,14 @@ TSqlOperand TQueryRules::Combine(const TPending &pending, TSqlOperand &left, TSq
     switch (pending.Kind) {
     case TOperator::Comparison:
         Compare(left, &right);
+        result.Kind = Logic;
+        break;
+    case TOperator::Like:
+        C.Engine.WriteLike(C, pending.Token, left, right);
         [[fallthrough]];
     case TOperator::Or:
     case TOperator::And:
     case TOperator::Is:
-    case TOperator::Like:
     case TOperator::Between:
         result.Kind = Logic;
         break;
@@ -307,6 +310,7 @@ TSqlOperand TQueryRules::Combine(const TPending &pending, TSqlOperand &left, TSq
         result.Form = TSqlForm::Join;
         break;
     case TOperator::Collate:
+        C.Engine.WriteCollation(C, right.First);
         result.Kind = left.Kind;
         // A name with its own order needs no other one.
         result.Form = TSqlForm::Name;
@@ -326,10 +330,10 @@ TSqlOperand TQueryRules::Combine(const TPending &pending, TSqlOperand &left, TSq
     case TOperator::Divide:
         // Decimals that happen to be whole are kept as whole numbers: only where both sides are
         // evidently whole is the quotient of the MSSQL dialect whole, too.
-        if (C.IsAccess() || !isWhole)
-            C.Edits.After(left.Last, u" * 1.0"_s);
-        else
+        if (isWhole && !C.IsAccess())
             result.Kind = Whole;
+        else if (!C.Engine.KnowsTypes())
+            C.Edits.After(left.Last, u" * 1.0"_s);
         break;
     case TOperator::Subtract:
         if (left.Form == TSqlForm::Bitwise)
@@ -362,6 +366,12 @@ TSqlOperand TQueryRules::Add(const TPending &pending, TSqlOperand &left, TSqlOpe
             Wrap(left);
         return {left.First,      right.Last, left.Kind == Whole && right.Kind == Whole ? Whole : Number,
                 TSqlForm::Other, {},         0};
+    }
+    if (C.Engine.KnowsTypes()) {
+        Finish(left);
+        if (left.Form == TSqlForm::Bitwise)
+            Wrap(left);
+        return {left.First, right.Last, Unknown, TSqlForm::Other, {}, 0};
     }
     return Call("korvane_add"_L1, pending, left, right, Unknown, true);
 }
@@ -405,6 +415,13 @@ void TQueryRules::Compare(TSqlOperand &left, const TSqlOperand *right)
         return C.Edits.Replace(right->Last, IsTrueWord(C.Edits[right->Last]) ? u"1"_s : u"0"_s);
     const bool isText = left.Kind == TSqlValueKind::Text || (right && right->Kind == TSqlValueKind::Text);
     if (!isText || isName(&left) || isName(right))
+        return;
+    // Where values have types, what the text is compared with may be another thing than a text, unless
+    // the tokens show it.
+    const bool isLiteral = left.First == left.Last && C.Edits[left.First].Kind == TSqlTokenKind::Text;
+    const bool isEvident =
+        left.Kind == TSqlValueKind::Text && (!isLiteral || !right || right->Kind == TSqlValueKind::Text);
+    if (C.Engine.KnowsTypes() && !isEvident)
         return;
     if (left.Form != TSqlForm::Single)
         Wrap(left);
@@ -474,8 +491,7 @@ TSqlOperand TQueryRules::SpecialWord()
     if (!C.IsAccess()) {
         if (!C.Is("current_timestamp"_L1))
             return {};
-        C.Edits.Replace(at, u"korvane_now()"_s);
-        return single(Text);
+        return single(C.Engine.WriteClock(C, at));
     }
     // Yes and No are also good names for columns: they are flags only behind a comparison.
     const bool isFlag = C.IsAnyOf({"true"_L1, "false"_L1}) ||

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/sql/dialect/QueryRules.h"
+#include "platform/sql/dialect/SqlEngine.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +57,8 @@ void TQueryRules::Query()
     }
     if (isUnion)
         LimitBranch(branch);
+    else
+        C.Engine.WriteTextItems(C, branch.TextItems);
     QueryTail();
     if (!isUnion && !branch.Limit.isEmpty())
         C.Edits.After(C.At - 1, branch.Limit);
@@ -70,7 +72,7 @@ void TQueryRules::CommonTables()
     do {
         C.Name();
         if (C.IsOperator("("_L1))
-            C.Advance(C.Edits.Match(C.At) - C.At + 1);
+            C.NameList();
         C.Expect("as"_L1);
         if (!C.IsOperator("("_L1))
             C.Fail();
@@ -84,16 +86,17 @@ TQueryRules::TBranch TQueryRules::Branch()
         return Select();
     // SQLite knows no select in brackets as the branch of a union.
     const int first = C.At;
-    C.Edits.Before(first, u"select * from "_s);
+    if (!C.Engine.TakesBracketBranches())
+        C.Edits.Before(first, u"select * from "_s);
     Group();
-    return {first, C.At - 1, {}};
+    return {first, C.At - 1, {}, {}};
 }
 
 void TQueryRules::LimitBranch(const TBranch &branch)
 {
     if (branch.Limit.isEmpty())
         return;
-    C.Edits.Before(branch.First, u"select * from ("_s);
+    C.Edits.Before(branch.First, C.Engine.TakesBracketBranches() ? u"("_s : u"select * from ("_s);
     C.Edits.After(branch.Last, branch.Limit + u')');
 }
 
@@ -105,7 +108,7 @@ TQueryRules::TBranch TQueryRules::Select()
     if (!C.Accept("distinct"_L1) && !C.Accept("all"_L1))
         C.DropWord("distinctrow"_L1);
     branch.Limit = Top();
-    SelectItems();
+    SelectItems(branch);
     IntoClause();
     if (C.Accept("from"_L1))
         Sources();
@@ -154,7 +157,7 @@ bool TQueryRules::AtClause() const
                       "option"_L1});
 }
 
-void TQueryRules::SelectItems()
+void TQueryRules::SelectItems(TBranch &branch)
 {
     do {
         int alias = -1;
@@ -171,11 +174,15 @@ void TQueryRules::SelectItems()
         if (!C.AcceptOperator("*"_L1))
             item = Expression();
         if (alias >= 0 && item.IsValid())
-            C.Edits.After(item.Last, u" as "_s + C.Edits[alias].Text.toString());
-        if (C.Accept("as"_L1))
+            C.Edits.After(item.Last, u" as "_s + C.Engine.AliasText(C, alias));
+        const bool hasAs = C.Accept("as"_L1);
+        if (hasAs || (C.At > start && (C.Token().IsName() || C.Token().Kind == TSqlTokenKind::Text))) {
+            alias = C.At;
             C.Advance();
-        else if (C.At > start && (C.Token().IsName() || C.Token().Kind == TSqlTokenKind::Text))
-            C.Advance();
+        }
+        C.Engine.WriteItem(C, item, alias);
+        if (item.IsValid() && item.First == item.Last && C.Edits[item.First].Kind == TSqlTokenKind::Text)
+            branch.TextItems.append(item.First);
         while (!AtClause() && !C.IsOperator(","_L1)) {
             const int before = C.At;
             Expression();
@@ -205,11 +212,7 @@ void TQueryRules::QueryTail()
     if (C.Is("order"_L1)) {
         C.Advance();
         C.Expect("by"_L1);
-        do {
-            Expression();
-            if (!C.Accept("asc"_L1))
-                C.Accept("desc"_L1);
-        } while (C.AcceptOperator(","_L1));
+        OrderItems();
     }
     if (C.Is("for"_L1))
         RefuseSql(u"FOR "_s + C.Token(1).Text.toString().toUpper());
@@ -227,6 +230,16 @@ void TQueryRules::QueryTail()
     }
 }
 
+void TQueryRules::OrderItems()
+{
+    do {
+        const bool isValid = Expression().IsValid();
+        const bool isDown = !C.Accept("asc"_L1) && C.Accept("desc"_L1);
+        if (isValid)
+            C.Engine.WriteOrderItem(C, isDown);
+    } while (C.AcceptOperator(","_L1));
+}
+
 TSqlSourceList TQueryRules::Sources()
 {
     TSqlSourceList list;
@@ -240,10 +253,14 @@ void TQueryRules::JoinedSources(TSqlSourceList &list)
 {
     Source(list);
     for (;;) {
-        if (C.Is("on"_L1)) {
-            C.Advance();
+        const bool isInner =
+            C.IsOperator(","_L1) || C.IsAnyOf({"join"_L1, "inner"_L1, "cross"_L1, "loop"_L1, "hash"_L1});
+        if (C.Accept("on"_L1)) {
+            const int first = C.At;
             Expression();
+            list.Conditions.append({first, C.At - 1});
         } else if (C.AcceptOperator(","_L1) || AcceptJoin()) {
+            list.AreInner = list.AreInner && isInner;
             Source(list);
         } else {
             break;
@@ -275,6 +292,7 @@ bool TQueryRules::AcceptJoin()
 void TQueryRules::Source(TSqlSourceList &list)
 {
     TSqlSource source;
+    source.First = C.At;
     if (C.IsOperator("("_L1)) {
         if (AtQuery()) {
             Group();
@@ -289,12 +307,16 @@ void TQueryRules::Source(TSqlSourceList &list)
         }
     } else {
         source.Name = C.TableName();
+        source.IsCatalog = !C.IsAccess() && C.IsCatalogTable(source.Name.Parts.last());
     }
     DropHints();
     source.HasAs = C.Accept("as"_L1);
     if (source.HasAs || C.Token().IsName())
         source.Alias = C.Name();
+    source.Last = C.At - 1;
     DropHints();
+    if (source.IsCatalog)
+        C.Engine.WriteCatalogTable(C, source);
     list.Tables.append(source);
 }
 

@@ -30,11 +30,21 @@ struct TSqlOperand
 struct TSqlSource
 {
     TSqlNameChain Name; ///< without parts for a subquery
+    int First = -1;
+    int Last = -1;
     int Alias = -1;
     bool HasAs = false;
+    bool IsCatalog = false;
 
     /// The token by which columns name the table.
     int Reference() const { return Alias >= 0 ? Alias : Name.Parts.last(); }
+};
+
+/// A condition of a join, without its word.
+struct TSqlCondition
+{
+    int First = -1;
+    int Last = -1;
 };
 
 struct TSqlSourceList
@@ -42,6 +52,8 @@ struct TSqlSourceList
     int First = -1;
     int Last = -1;
     QList<TSqlSource> Tables;
+    QList<TSqlCondition> Conditions; ///< behind "on"
+    bool AreInner = true;            ///< joined by commas and inner joins alone
 
     bool IsOneTable() const { return Tables.size() == 1 && !Tables[0].Name.Parts.isEmpty() && !HasBrackets; }
     bool HasBrackets = false;
@@ -88,6 +100,7 @@ private:
         int First = -1;
         int Last = -1;
         QString Limit;
+        QList<int> TextItems; ///< literals that are columns
     };
 
     bool BeginsQuery(int token) const;
@@ -96,10 +109,11 @@ private:
     TBranch Branch();
     TBranch Select();
     QString Top();
-    void SelectItems();
+    void SelectItems(TBranch &branch);
     void IntoClause();
     void LimitBranch(const TBranch &branch);
     void QueryTail();
+    void OrderItems();
     bool AtClause() const;
 
     void Source(TSqlSourceList &list);
@@ -131,6 +145,7 @@ private:
     TSqlOperand FunctionCall(int first, int name);
     TSqlValueKind Conversion(int name, int close, bool isCast);
     TSqlValueKind PlainCall(int name, int close);
+    int Window();
     TSqlOperand QueryArgument(int close);
     void DropColumnQualifiers(const TSqlNameChain &chain);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/dialect/RowRules.h"
 
+#include "platform/sql/dialect/SqlEngine.h"
+
 using namespace Qt::StringLiterals;
 
 namespace Korvane {
@@ -148,14 +150,17 @@ void TRowRules::Update()
         // A table that the from clause does not name joins its tables by the condition.
         const QString from =
             source ? SourcesText(sources) : TableText(table) + u", "_s + SourcesText(sources);
-        UpdateJoined(table, reference, from, assignments);
+        UpdateJoined({sources, source, TableText(table), NameText(table.Parts.last()), reference, from},
+                     assignments);
     } else if (targets.IsOneTable()) {
         AliasWithAs(targets.Tables[0]);
         Where();
         C.AddStep(C.Edits.Text(FFirst, C.At - 1));
     } else {
         const TSqlSource &target = UpdateTarget(targets, assignments);
-        UpdateJoined(target.Name, NameText(target.Reference()), SourcesText(targets), assignments);
+        UpdateJoined({targets, &target, TableText(target.Name), NameText(target.Name.Parts.last()),
+                      NameText(target.Reference()), SourcesText(targets)},
+                     assignments);
     }
 }
 
@@ -178,11 +183,10 @@ const TSqlSource &TRowRules::UpdateTarget(const TSqlSourceList &list,
 
 /// The values are read from the join first, by the row numbers of the table; the update then takes
 /// them from there.
-void TRowRules::UpdateJoined(const TSqlNameChain &table, const QString &reference, const QString &from,
-                             const QList<TAssignment> &assignments)
+void TRowRules::UpdateJoined(const TJoined &joined, const QList<TAssignment> &assignments)
 {
     QString set;
-    QString values = reference + u".rowid as korvane_rowid"_s;
+    QString values = joined.Reference + u".rowid as korvane_rowid"_s;
     for (qsizetype i = 0; i < assignments.size(); ++i) {
         const TAssignment &assignment = assignments[i];
         const QString value = u"korvane_v%1"_s.arg(i + 1);
@@ -191,9 +195,9 @@ void TRowRules::UpdateJoined(const TSqlNameChain &table, const QString &referenc
             u", "_s + C.Edits.Trimmed(assignment.Value.First, assignment.Value.Last) + u" as "_s + value;
     }
     const QString where = Where();
-    C.AddStep(C.Edits[FFirst].Blanks.toString() + u"update "_s + TableText(table) + u" set "_s + set +
-              u" from (select "_s + values + u" from "_s + from + where + u") as korvane_q where "_s +
-              NameText(table.Parts.last()) + u".rowid=korvane_q.korvane_rowid"_s);
+    C.AddStep(C.Edits[FFirst].Blanks.toString() + u"update "_s + joined.Table + u" set "_s + set +
+              u" from (select "_s + values + u" from "_s + joined.From + where + u") as korvane_q where "_s +
+              joined.Name + u".rowid=korvane_q.korvane_rowid"_s);
 }
 
 void TRowRules::Delete()
@@ -223,12 +227,19 @@ void TRowRules::Delete()
     }
     if ((source && source->Name.Parts.isEmpty()) || (!source && C.IsAccess()))
         RefuseSql(u"DELETE … JOIN"_s);
-    const QString table = source ? TableText(source->Name) : C.Edits.Written(target, target);
+    const QString name = C.Engine.AliasText(C, source ? source->Name.Parts.last() : target);
+    const QString table = source ? TableText(source->Name) : name;
     const QString reference = source ? NameText(source->Reference()) : table;
     const QString from = source ? SourcesText(sources) : table + u", "_s + SourcesText(sources);
+    DeleteJoined({sources, source, table, name, reference, from});
+}
+
+void TRowRules::DeleteJoined(const TJoined &joined)
+{
     const QString where = Where();
-    C.AddStep(C.Edits[FFirst].Blanks.toString() + u"delete from "_s + table + u" where rowid in (select "_s +
-              reference + u".rowid from "_s + from + where + u')');
+    C.AddStep(C.Edits[FFirst].Blanks.toString() + u"delete from "_s + joined.Table +
+              u" where rowid in (select "_s + joined.Reference + u".rowid from "_s + joined.From + where +
+              u')');
 }
 
 /// What stands between "delete" and "from" and is not wanted there: "*", "T.*", "T". Gives the

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/dialect/SqlCursor.h"
 
+#include "platform/sql/dialect/SqlEngine.h"
+
 using namespace Qt::StringLiterals;
 
 namespace Korvane {
@@ -17,9 +19,25 @@ constexpr std::initializer_list<QLatin1StringView> StatementWords = {
 constexpr std::initializer_list<QLatin1StringView> CatalogTables = {"sysobjects"_L1, "sysdatabases"_L1,
                                                                     "sysprocesses"_L1};
 
+TSqlEngine &SqliteEngine()
+{
+    static TSqlEngine engine;
+    return engine;
+}
+
 } // namespace
 
-void RefuseSql(const QString &construct) { throw ESqlError(u"内嵌数据库引擎不支持“%1”"_s.arg(construct)); }
+ESqlRefused::ESqlRefused(const QString &construct)
+    : ESqlError(u"内嵌数据库引擎不支持“%1”"_s.arg(construct)), Construct(construct)
+{
+}
+
+void RefuseSql(const QString &construct) { throw ESqlRefused(construct); }
+
+TSqlCursor::TSqlCursor(QStringView text, TSqlDialect dialect, TSqlEngine *engine)
+    : Dialect(dialect), Engine(engine ? *engine : SqliteEngine()), Edits(text, dialect)
+{
+}
 
 bool TSqlCursor::IsAnyOf(std::initializer_list<QLatin1StringView> words, int ahead) const
 {
@@ -106,6 +124,7 @@ TSqlNameChain TSqlCursor::NameChain()
         if (Token().IsName() || (!chain.Parts.isEmpty() && Token().Kind == TSqlTokenKind::Word)) {
             chain.Parts.append(At);
             chain.Last = At;
+            Engine.WriteName(*this, At);
             Advance();
         } else if (isPoint() && !chain.Parts.isEmpty()) {
             chain.Parts.append(-1);
@@ -135,23 +154,29 @@ TSqlNameChain TSqlCursor::TableName()
     return chain;
 }
 
+bool TSqlCursor::IsCatalogTable(int name) const
+{
+    const QString lower = SqlName(Edits[name]).toLower();
+    return std::find(CatalogTables.begin(), CatalogTables.end(), lower) != CatalogTables.end();
+}
+
 void TSqlCursor::DropTableQualifiers(TSqlNameChain &chain)
 {
     const int count = int(chain.Parts.size());
     if (count > 3)
         RefuseSql(u"链接服务器"_s);
     const int last = chain.Parts.last();
-    const QString name = SqlName(Edits[last]).toLower();
     const auto nameOf = [&](int part) {
         return chain.Parts[part] < 0 ? QString() : SqlName(Edits[chain.Parts[part]]).toLower();
     };
-    if (std::find(CatalogTables.begin(), CatalogTables.end(), name) != CatalogTables.end()) {
-        Result.CatalogTables.insert(name);
+    if (IsCatalogTable(last)) {
+        Result.CatalogTables.insert(SqlName(Edits[last]).toLower());
     } else if (count == 3) {
         // The database stays, without the owner between the points: a.dbo.T, a..T become a.T.
         const int owner = chain.Parts[1];
         Edits.Remove(owner < 0 ? last - 1 : owner, last - 1);
         chain.Parts.removeAt(1);
+        Engine.WriteDatabaseName(*this, chain.First);
         return;
     } else if (count != 2 || nameOf(0) != "dbo"_L1) {
         return;
@@ -168,8 +193,20 @@ int TSqlCursor::Name()
 {
     if (!Token().IsName())
         Fail();
+    Engine.WriteName(*this, At);
     Advance();
     return At - 1;
+}
+
+void TSqlCursor::NameList()
+{
+    const int close = Edits.Match(At);
+    while (At < close) {
+        if (Token().IsName())
+            Engine.WriteName(*this, At);
+        Advance();
+    }
+    Advance();
 }
 
 void TSqlCursor::AddStep(const QString &sql) { Result.Steps.append({sql.toUtf8(), std::nullopt}); }

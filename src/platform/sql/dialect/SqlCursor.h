@@ -8,7 +8,18 @@
 
 namespace Korvane {
 
-/// Raises ESqlError: the embedded engine has no equivalent of the construct.
+class TSqlEngine;
+
+/// The engine has no equivalent of a construct. The message speaks of the embedded engine.
+class ESqlRefused : public ESqlError
+{
+public:
+    explicit ESqlRefused(const QString &construct);
+
+    const QString Construct;
+};
+
+/// Raises ESqlRefused.
 [[noreturn]] void RefuseSql(const QString &construct);
 
 /// A name of up to four parts as it stands in a statement: server.database.owner.name. Parts may
@@ -26,9 +37,11 @@ struct TSqlNameChain
 class TSqlCursor
 {
 public:
-    TSqlCursor(QStringView text, TSqlDialect dialect) : Dialect(dialect), Edits(text, dialect) {}
+    /// For SQLite, if no engine is named; an engine must outlive the cursor.
+    TSqlCursor(QStringView text, TSqlDialect dialect, TSqlEngine *engine = nullptr);
 
     const TSqlDialect Dialect;
+    TSqlEngine &Engine;
     TSqlEdits Edits;
     TRewrittenStatement Result;
     int At = 0; ///< the next token; stops at the End token
@@ -65,6 +78,10 @@ public:
     TSqlNameChain TableName();
     /// Past a single name, an alias or a column; gives its token.
     int Name();
+    /// True for the name of one of the catalog's tables.
+    bool IsCatalogTable(int name) const;
+    /// Past a bracket that holds names.
+    void NameList();
 
     /// Adds a step, as the engine is to run it.
     void AddStep(const QString &sql);

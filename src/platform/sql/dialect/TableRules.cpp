@@ -10,9 +10,8 @@ void TTableRules::CreateTable(int first)
     const int word = C.At;
     C.Expect("table"_L1);
     const TSqlNameChain chain = C.TableName();
-    const QString tableText = C.Edits.Trimmed(chain.First, chain.Last);
-    const QString table = SqlName(C.Edits[chain.Parts.last()]);
-    if (table.startsWith(u'#'))
+    const TTable table{C.Edits.Trimmed(chain.First, chain.Last), SqlName(C.Edits[chain.Parts.last()])};
+    if (table.Name.startsWith(u'#'))
         C.Edits.Before(word, u"temp "_s);
     if (!C.IsOperator("("_L1))
         C.Fail();
@@ -38,7 +37,8 @@ void TTableRules::CreateTable(int first)
     QStringList steps;
     for (TColumn &column : columns) {
         if (column.IsIdentity)
-            WriteIdentity(tableText, table, column, keys, steps);
+            WriteIdentity(table, column, keys, steps);
+        FurtherSteps(table, column, steps);
     }
     SetKeysNotNull(columns, keys);
     if (!C.AtStatementEnd())
@@ -66,12 +66,12 @@ void TTableRules::SetKeysNotNull(const QList<TColumn> &columns, const QList<int>
 }
 
 /// A numbering column that alone is the key is SQLite's own; any other one is filled by a trigger.
-void TTableRules::WriteIdentity(const QString &tableText, const QString &table, TColumn &column,
-                                const QList<int> &keys, QStringList &furtherSteps)
+void TTableRules::WriteIdentity(const TTable &table, TColumn &column, const QList<int> &keys,
+                                QStringList &furtherSteps)
 {
     const bool isOnlyKey = keys.size() == 1 && IsKey(column, keys);
     const QString name = C.Edits.Trimmed(column.Name, column.Name);
-    const QString quotedTable = u'\'' + QString(table).replace(u'\'', u"''"_s) + u'\'';
+    const QString quotedTable = u'\'' + QString(table.Name).replace(u'\'', u"''"_s) + u'\'';
     C.Edits.Replace(column.Type.First, isOnlyKey ? u"integer"_s : u"int"_s);
     C.Edits.Remove(column.Type.First + 1, column.Type.Last);
     if (isOnlyKey) {
@@ -86,19 +86,19 @@ void TTableRules::WriteIdentity(const QString &tableText, const QString &table, 
     const QString firstNumber = column.Seed.isEmpty() ? u"1"_s : column.Seed;
     furtherSteps.append(u"create trigger %1 after insert on %2 when new.%3 is null begin update %2 set %3="
                         "(select coalesce(max(%3)+1, %4) from %2) where rowid=new.rowid; end"_s.arg(
-                            QuotedSqlName(table + u'.' + SqlName(C.Edits[column.Name]) + u".identity"_s),
-                            tableText, name, firstNumber));
+                            QuotedSqlName(table.Name + u'.' + SqlName(C.Edits[column.Name]) + u".identity"_s),
+                            table.Text, name, firstNumber));
 }
 
 void TTableRules::AlterTable()
 {
     const TSqlNameChain chain = C.TableName();
-    const QString tableText = C.Edits.Trimmed(chain.First, chain.Last);
-    const QString table = SqlName(C.Edits[chain.Parts.last()]);
-    if (C.Is("with"_L1) && C.IsAnyOf({"check"_L1, "nocheck"_L1}, 1))
+    const TTable table{C.Edits.Trimmed(chain.First, chain.Last), SqlName(C.Edits[chain.Parts.last()])};
+    const bool isUnchecked = C.Is("with"_L1) && C.Is("nocheck"_L1, 1);
+    if (isUnchecked || (C.Is("with"_L1) && C.Is("check"_L1, 1)))
         C.Advance(2);
     if (C.Accept("add"_L1))
-        AddItems(tableText, table);
+        AddItems(table, isUnchecked);
     else if (C.Accept("alter"_L1))
         AlterColumn(table);
     else if (C.Accept("drop"_L1))
@@ -111,7 +111,7 @@ void TTableRules::AlterTable()
         C.Fail();
 }
 
-void TTableRules::AddItems(const QString &tableText, const QString &table)
+void TTableRules::AddItems(const TTable &table, bool isUnchecked)
 {
     const bool hasBracket = C.IsOperator("("_L1);
     const int close = hasBracket ? C.Edits.Match(C.At) : -1;
@@ -120,15 +120,12 @@ void TTableRules::AddItems(const QString &tableText, const QString &table)
     do {
         if (!AtConstraint()) {
             C.Accept("column"_L1);
-            AddColumn(tableText, table);
+            AddColumn(table);
             continue;
         }
-        const TConstraint constraint = ReadConstraint();
-        const QString text = C.Edits.Trimmed(constraint.First, constraint.Last);
-        if (constraint.DefaultColumn >= 0)
-            C.AddChange(TTableChange::AlterColumn, table, SqlName(C.Edits[constraint.DefaultColumn]), text);
-        else
-            C.AddChange(TTableChange::AddConstraint, table, constraint.Name, text);
+        TConstraint constraint = ReadConstraint();
+        constraint.IsUnchecked = isUnchecked;
+        AddConstraint(table, constraint);
     } while (C.AcceptOperator(","_L1));
     if (!hasBracket)
         return;
@@ -137,37 +134,52 @@ void TTableRules::AddItems(const QString &tableText, const QString &table)
     C.Advance();
 }
 
-void TTableRules::AddColumn(const QString &tableText, const QString &table)
+void TTableRules::AddConstraint(const TTable &table, const TConstraint &constraint)
+{
+    const QString text = C.Edits.Trimmed(constraint.First, constraint.Last);
+    if (constraint.DefaultColumn >= 0)
+        C.AddChange(TTableChange::AlterColumn, table.Name, SqlName(C.Edits[constraint.DefaultColumn]), text);
+    else
+        C.AddChange(TTableChange::AddConstraint, table.Name, constraint.Name, text);
+}
+
+void TTableRules::AddColumn(const TTable &table)
 {
     TColumn column = ReadColumn(true);
     const QString name = SqlName(C.Edits[column.Name]);
     QStringList steps;
     if (column.IsIdentity) {
         const QList<int> keys = column.Key >= 0 ? QList<int>{column.Name} : QList<int>();
-        WriteIdentity(tableText, table, column, keys, steps);
+        WriteIdentity(table, column, keys, steps);
         if (column.Key < 0) {
             const QString nameText = C.Edits.Trimmed(column.Name, column.Name);
-            steps.prepend(u"update %1 set %2=rowid"_s.arg(tableText, nameText));
+            steps.prepend(u"update %1 set %2=rowid"_s.arg(table.Text, nameText));
         }
     }
     const QString text = C.Edits.Trimmed(column.First, column.Last);
     const bool needsValue = column.NotNull >= 0 && !column.IsIdentity && !column.HasDefault;
     if (column.NeedsTable || needsValue || column.Key >= 0 || !column.IsConstantDefault)
-        C.AddChange(TTableChange::AddColumn, table, name, text);
+        C.AddChange(TTableChange::AddColumn, table.Name, name, text);
     else
-        C.AddStep(u"alter table "_s + tableText + u" add column "_s + text);
+        C.AddStep(u"alter table "_s + table.Text + u" add column "_s + text);
     for (const QString &step : steps)
         C.AddStep(step);
 }
 
-void TTableRules::AlterColumn(const QString &table)
+void TTableRules::ChangeColumn(const TTable &table, int name, const TColumn &definition)
+{
+    C.AddChange(TTableChange::AlterColumn, table.Name, SqlName(C.Edits[name]),
+                definition.First < 0 ? u"default null"_s
+                                     : C.Edits.Trimmed(definition.First, definition.Last));
+}
+
+void TTableRules::AlterColumn(const TTable &table)
 {
     C.Accept("column"_L1);
     const int name = C.Name();
-    const QString column = SqlName(C.Edits[name]);
     if (C.Is("drop"_L1) && C.Is("default"_L1, 1)) {
         C.Advance(2);
-        C.AddChange(TTableChange::AlterColumn, table, column, u"default null"_s);
+        ChangeColumn(table, name, {});
         return;
     }
     TColumn definition;
@@ -182,10 +194,15 @@ void TTableRules::AlterColumn(const QString &table)
         if (definition.IsIdentity)
             RefuseSql(u"ALTER COLUMN … IDENTITY"_s);
     }
-    C.AddChange(TTableChange::AlterColumn, table, column, C.Edits.Trimmed(definition.First, definition.Last));
+    ChangeColumn(table, name, definition);
 }
 
-void TTableRules::DropItems(const QString &table)
+void TTableRules::DropItem(const TTable &table, const QString &name, bool isColumn)
+{
+    C.AddChange(isColumn ? TTableChange::DropColumn : TTableChange::DropConstraint, table.Name, name);
+}
+
+void TTableRules::DropItems(const TTable &table)
 {
     bool isColumn = C.IsAccess();
     do {
@@ -193,8 +210,7 @@ void TTableRules::DropItems(const QString &table)
             isColumn = true;
         else if (C.Accept("constraint"_L1))
             isColumn = false;
-        const QString name = SqlName(C.Edits[C.Name()]);
-        C.AddChange(isColumn ? TTableChange::DropColumn : TTableChange::DropConstraint, table, name);
+        DropItem(table, SqlName(C.Edits[C.Name()]), isColumn);
     } while (C.AcceptOperator(","_L1));
 }
 

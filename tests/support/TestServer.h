@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/sql/ADOConnection.h"
+#include "support/TestDatabase.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+#include <optional>
+#include <ostream>
+
+namespace Korvane::Testing {
+
+/// A database server that the environment names (scripts/test-servers.sh).
+struct TestServer
+{
+    QString Address; ///< as data source
+    QString User;
+    QString Password;
+    bool IsPostgres = false;
+
+    /// KORVANE_POSTGRES; nothing where it is not set.
+    static std::optional<TestServer> Postgres() { return FromEnvironment("KORVANE_POSTGRES", true); }
+    /// KORVANE_MSSQL: "host", "host,port" or "host\instance".
+    static std::optional<TestServer> SqlServer() { return FromEnvironment("KORVANE_MSSQL", false); }
+
+    /// What connects to a database; more parts may be put behind.
+    QString ConnectionString(const QString &database, const QString &password) const
+    {
+        TConnectionString text;
+        text.SetValue(QStringLiteral("Provider"), QStringLiteral("SQLOLEDB.1"));
+        text.SetValue(QStringLiteral("Data Source"), Address);
+        text.SetValue(QStringLiteral("Initial Catalog"), database);
+        text.SetValue(QStringLiteral("User ID"), User);
+        text.SetValue(QStringLiteral("Password"), password);
+        return text.ToString();
+    }
+    QString ConnectionString(const QString &database) const { return ConnectionString(database, Password); }
+
+private:
+    static std::optional<TestServer> FromEnvironment(const char *name, bool isPostgres)
+    {
+        const QByteArray variable(name);
+        const auto value = [&](const char *suffix) {
+            return qEnvironmentVariable((variable + suffix).constData());
+        };
+        if (value("").isEmpty())
+            return std::nullopt;
+        return TestServer{value(""), value("_USER"), value("_PASSWORD"), isPostgres};
+    }
+};
+
+/// The kinds of server that a contract runs on: values of a parameterised test.
+enum class ServerKind { Postgres, SqlServer };
+
+inline void PrintTo(ServerKind kind, std::ostream *out)
+{
+    *out << (kind == ServerKind::Postgres ? "Postgres" : "SqlServer");
+}
+
+inline std::optional<TestServer> ServerOf(ServerKind kind)
+{
+    return kind == ServerKind::Postgres ? TestServer::Postgres() : TestServer::SqlServer();
+}
+
+/// What a test says when it skips because the server is not there.
+inline const char *MissingServer(ServerKind kind)
+{
+    return kind == ServerKind::Postgres ? "KORVANE_POSTGRES names no PostgreSQL server"
+                                        : "KORVANE_MSSQL names no Microsoft SQL Server";
+}
+
+/// An empty database on a server, which goes with it; connections must be closed before.
+class ServerDatabase
+{
+public:
+    explicit ServerDatabase(TestServer server) : FServer(std::move(server))
+    {
+        static int count = 0;
+        FName = QStringLiteral("korvane_test_%1_%2").arg(QCoreApplication::applicationPid()).arg(++count);
+        CreateCatalog(ConnectionString());
+    }
+    ServerDatabase(const ServerDatabase &) = delete;
+    ServerDatabase &operator=(const ServerDatabase &) = delete;
+    ~ServerDatabase()
+    {
+        try {
+            RemoveCatalog(ConnectionString());
+        } catch (const Exception &) {
+            // A test that failed may have left a connection; the cluster goes anyway.
+        }
+    }
+
+    const TestServer &Server() const { return FServer; }
+    const QString &Name() const { return FName; }
+    QString ConnectionString() const { return FServer.ConnectionString(FName); }
+    std::unique_ptr<TADOConnection> Connect(const QString &furtherParts = {}, int timeout = 30) const
+    {
+        return ConnectTo(ConnectionString() + furtherParts, timeout);
+    }
+
+private:
+    TestServer FServer;
+    QString FName;
+};
+
+} // namespace Korvane::Testing
