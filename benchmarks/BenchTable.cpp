@@ -202,6 +202,8 @@ bool RunComparisons(const QList<TComparison> &comparisons, const QString &tableF
         Register(comparison);
     TCollector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
+    // The work and all that it holds would else last into the end of the program.
+    benchmark::ClearRegisteredBenchmarks();
 
     bool all = true;
     QList<QStringList> rows = {{QStringLiteral("what"), QStringLiteral("ours"), QStringLiteral("peer"),

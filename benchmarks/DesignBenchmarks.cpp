@@ -2,6 +2,7 @@
 #include "DesignBenchmarks.h"
 
 #include "LargeDesign.h"
+#include "Programs.h"
 #include "design/DBDFile.h"
 #include "platform/sql/dialect/SqlRewriter.h"
 #include "platform/sql/sqlite/DatabaseFile.h"
@@ -9,7 +10,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -93,32 +93,19 @@ QByteArray ShellScript(TDBDFile &design)
     return script;
 }
 
-void Finish(QProcess &process)
-{
-    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0)
-        qFatal("%s failed: %s", qUtf8Printable(process.program()),
-               process.error() == QProcess::FailedToStart ? qUtf8Printable(process.errorString())
-                                                          : process.readAllStandardError().constData());
-}
-
 void RunShell(const QString &database, const QString &script)
 {
     QProcess shell;
     shell.setStandardInputFile(script);
     shell.start(QStringLiteral("sqlite3"), {QStringLiteral("-bail"), database});
-    Finish(shell);
+    FinishProgram(shell);
 }
 
 /// Reads every value of the seven tables of a Jet file with the exporter, a process for each.
 void ExportJetTables(const QString &file)
 {
-    for (const char *table : DesignTables) {
-        QProcess exporter;
-        exporter.setStandardOutputFile(QProcess::nullDevice());
-        exporter.start(QStringLiteral("mdb-export"), {file, QLatin1String(table)});
-        Finish(exporter);
-    }
+    for (const char *table : DesignTables)
+        ExportJetTable(file, QLatin1String(table), {}, QProcess::nullDevice());
 }
 
 std::shared_ptr<TDBDFile> OpenDesign(const QString &file)

@@ -6,6 +6,8 @@
 
 #include <QFile>
 
+#include <cmath>
+
 namespace Bench {
 
 using namespace Korvane;
@@ -69,9 +71,43 @@ TJetBuilder::TColumn JetColumn(const TPacketField &field)
 {
     if (field.Name == QLatin1String("Access") || field.Name == QLatin1String("MSSQL"))
         return {field.Name, TJetType::Memo, 0, false};
-    if (ColumnKindOf(field.Type) == TColumnKind::Text)
-        return {field.Name, TJetType::Text, 510, false};
-    return {field.Name, TJetType::LongInteger, 4, true};
+    switch (ColumnKindOf(field.Type)) {
+    case TColumnKind::Int32:
+    case TColumnKind::Int64:
+        return {field.Name, TJetType::LongInteger, 4, true};
+    case TColumnKind::Double:
+        if (field.Precision > 0)
+            return {field.Name, TJetType::Decimal, 17, true, 18, field.Precision};
+        return {field.Name, TJetType::Double, 8, true};
+    default:
+        return {field.Name, TJetType::Text, field.Size > 0 ? 2 * field.Size : 510, false};
+    }
+}
+
+/// A sign and four words, the highest first.
+QByteArray JetDecimal(double value, int scale)
+{
+    const auto digits = quint64(std::llround(std::fabs(value) * std::pow(10, scale)));
+    return QByteArray(1, value < 0 ? '\x80' : '\0') + TJetBuilder::Int(0, 8) +
+           TJetBuilder::Int(digits >> 32, 4) + TJetBuilder::Int(digits, 4);
+}
+
+QByteArray JetCell(TJetBuilder &builder, const TJetBuilder::TColumn &column, const TPacketColumn &cells,
+                   qsizetype row)
+{
+    const auto utf16 = [&] { return TJetBuilder::Utf16(QString::fromUtf8(cells.Bytes(row))); };
+    switch (column.Type) {
+    case TJetType::LongInteger:
+        return TJetBuilder::Int(quint64(cells.Int(row)), column.Size);
+    case TJetType::Double:
+        return TJetBuilder::DoubleBytes(cells.Doubles()[size_t(row)]);
+    case TJetType::Decimal:
+        return JetDecimal(cells.Doubles()[size_t(row)], column.Scale);
+    case TJetType::Memo:
+        return builder.ChainedValue(utf16());
+    default:
+        return utf16();
+    }
 }
 
 void AddJetTable(TJetBuilder &builder, const QString &name, const TDataPacket &packet)
@@ -80,18 +116,12 @@ void AddJetTable(TJetBuilder &builder, const QString &name, const TDataPacket &p
     for (const TPacketField &field : packet.Fields())
         columns.append(JetColumn(field));
     builder.BeginTable(name, columns);
+    TJetBuilder::TCells cells(columns.size());
     for (qsizetype row = 0; row < packet.RowCount(); ++row) {
-        TJetBuilder::TCells cells(columns.size());
         for (int i = 0; i < cells.size(); ++i) {
-            const TPacketColumn &column = packet.Column(i);
-            if (column.IsNull(row))
-                continue;
-            if (columns[i].Type == TJetType::LongInteger)
-                cells[i] = TJetBuilder::Int(quint64(column.Int(row)), columns[i].Size);
-            else if (columns[i].Type == TJetType::Memo)
-                cells[i] = builder.ChainedValue(TJetBuilder::Utf16(packet.Text(i, row)));
-            else
-                cells[i] = TJetBuilder::Utf16(packet.Text(i, row));
+            cells[i].reset();
+            if (!packet.Column(i).IsNull(row))
+                cells[i] = JetCell(builder, columns[i], packet.Column(i), row);
         }
         builder.AddRow(cells);
     }
@@ -151,15 +181,22 @@ void MakeLargeDesign(const QString &fileName)
 void MakeLargeJetDesign(const QString &storeFile, const QString &jetFile)
 {
     TSqliteDatabase database(storeFile, TSqliteOpen::ReadOnly);
+    QList<std::pair<QString, TDataPacket>> tables;
+    for (const char *table : DesignTables)
+        tables.append({QLatin1String(table),
+                       TSqliteStatement(database, QByteArray("select * from ") + table).ReadAll()});
+    WriteJetFile(jetFile, tables);
+}
+
+void WriteJetFile(const QString &fileName, const QList<std::pair<QString, TDataPacket>> &tables)
+{
     TJetBuilder builder(SampleJetPage(), false);
-    for (const char *table : DesignTables) {
-        TSqliteStatement rows(database, QByteArray("select * from ") + table);
-        AddJetTable(builder, QLatin1String(table), rows.ReadAll());
-    }
+    for (const auto &[name, packet] : tables)
+        AddJetTable(builder, name, packet);
     const QByteArray bytes = builder.Build();
-    QFile file(jetFile);
+    QFile file(fileName);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qUtf8Printable(jetFile));
+        qFatal("cannot write %s", qUtf8Printable(fileName));
 }
 
 } // namespace Bench

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/data/DataPacket.h"
+
 #include <QString>
 
 #include <array>
@@ -24,5 +26,8 @@ void MakeEmptyDesign(const QString &fileName);
 void MakeLargeDesign(const QString &fileName);
 /// Writes the tables of that store as a Jet 4 file.
 void MakeLargeJetDesign(const QString &storeFile, const QString &jetFile);
+
+/// Writes tables as a Jet 4 file, with columns of like types.
+void WriteJetFile(const QString &fileName, const QList<std::pair<QString, Korvane::TDataPacket>> &tables);
 
 } // namespace Bench

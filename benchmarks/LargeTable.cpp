@@ -127,6 +127,9 @@ void FillRows(const QString &fileName)
 
 QString LargeCode(int row) { return QStringLiteral("P%1").arg(row, 10, 10, QLatin1Char('0')); }
 
+QStringList LargeMaterials() { return {Materials.begin(), Materials.end()}; }
+QStringList LargeThings() { return {Things.begin(), Things.end()}; }
+
 TLargeTable::TLargeTable(const QString &folder) : FFolder(folder) { RegisterClass<TLargeItem>(); }
 
 TLargeTable::~TLargeTable() = default;

@@ -66,6 +66,10 @@ constexpr int PlaceOf(TLargeColumn column) { return 5 + column; }
 /// The key of a row by its number, "P0000001234".
 QString LargeCode(int row);
 
+// What the names of the rows are put together of.
+QStringList LargeMaterials();
+QStringList LargeThings();
+
 /// A design with one table of ten columns and five audit columns, and its database: an SQLite
 /// file with a million rows, of mixed types, in Chinese, and the same in every run. Each is made
 /// at its first use, and opened once.

@@ -2,10 +2,13 @@
 // Measures the library beside its peers, in one process and one run.
 //
 //     korvane_bench --work FOLDER [--benchmark_filter=…]
+#include "CopyBenchmarks.h"
 #include "DataSetBenchmarks.h"
 #include "DesignBenchmarks.h"
+#include "ImportBenchmarks.h"
 #include "LargeTable.h"
 #include "SaveBenchmarks.h"
+#include "ServerBenchmarks.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,7 +32,9 @@ int main(int argc, char **argv)
     QDir().mkpath(folder);
     const auto table = std::make_shared<Bench::TLargeTable>(folder);
     const bool holds = Bench::RunComparisons(
-        Bench::DesignComparisons(folder) + Bench::DataSetComparisons(table) + Bench::SaveComparisons(table),
+        Bench::DesignComparisons(folder) + Bench::DataSetComparisons(table) + Bench::SaveComparisons(table) +
+            Bench::ServerComparisons(table) + Bench::CopyComparisons(table, folder) +
+            Bench::ImportComparisons(table, folder),
         QDir(folder).filePath(QStringLiteral("table.tsv")), int(rest.size()), rest.data());
     return holds ? 0 : 1;
 }

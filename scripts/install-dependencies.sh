@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(
   g++ make cmake ninja-build ccache pkg-config
   qt6-base-dev          # Qt Core and Network; Qt SQL is the peer of the benchmarks
-  libqt6sql6-sqlite     # the driver of that peer
+  libqt6sql6-sqlite     # the drivers of that peer
+  libqt6sql6-odbc
   libsqlite3-dev        # the embedded engine
   sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
   mdbtools              # its mdb-export: peer of the benchmarks
