@@ -144,6 +144,6 @@ TEST_P(AutoNumbers, NumberingAnew)
     EXPECT_EQ(Shown(texts, u"CODE"_s), "000000 / 000000");
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, AutoNumbers, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, AutoNumbers, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

@@ -83,6 +83,6 @@ TEST_P(Commands, DebugShowsTheStatementAndRunsNothing)
     EXPECT_EQ(TextOfTable(u"select NOTE from PART"_s), "~");
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, Commands, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, Commands, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

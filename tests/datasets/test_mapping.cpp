@@ -263,6 +263,6 @@ TEST_P(Mapping, RowsDeletedInTheDatabaseByCondition)
     EXPECT_EQ(TextOfTable(u"select CODE from PART"_s), "P2");
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, Mapping, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, Mapping, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

@@ -188,6 +188,6 @@ TEST_P(Opening, AnEmptyDatasetFromTheDefinition)
     EXPECT_NE(MessageOf([&] { part.CreateDataSet(); }), "nothing");
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, Opening, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, Opening, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

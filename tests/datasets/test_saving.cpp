@@ -309,6 +309,6 @@ TEST_P(Saving, ATransactionOfTheApplicationHoldsTheWholeSave)
     EXPECT_EQ(Lines(), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, Saving, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, Saving, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

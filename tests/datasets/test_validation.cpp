@@ -207,6 +207,6 @@ TEST_P(Validation, WhatHasChanged)
     EXPECT_FALSE(part->IsChanged());
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, Validation, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, Validation, testing::ValuesIn(AllPlaces()), PlaceName);
 
 } // namespace

@@ -3,26 +3,30 @@
 
 #include "DesignTesting.h"
 
-#include "session/DBSession.h"
+#include "support/TestPlace.h"
 
 #include <QDir>
 #include <QMap>
 #include <QRegularExpression>
+
+#include <map>
 
 namespace Korvane::Testing {
 
 /// A long list as text, of which a failed test shows the lines that differ.
 inline std::string LinesOf(const QStringList &list) { return list.join(QLatin1Char('\n')).toStdString(); }
 
-/// A session on the embedded engine in a folder of its own, once per dialect. The folder is
-/// the current one, so that the log of failed statements goes there.
-class DatabaseTest : public testing::TestWithParam<TDBType>
+/// A session on databases of a place that the test makes itself. A folder of the test's own is the
+/// current one, so that the log of failed statements goes there; the embedded engine's
+/// databases stand in it.
+class DatabaseTest : public testing::TestWithParam<TTestPlace>
 {
 protected:
     DatabaseTest()
     {
         QDir::setCurrent(Dir.path());
-        Aim(Session);
+        if (IsThere(GetParam()))
+            Aim(Session);
     }
     ~DatabaseTest() override
     {
@@ -30,11 +34,13 @@ protected:
         QDir::setCurrent(FPrevious);
     }
 
-    /// Points a session at the test's database.
-    void Aim(TDBSession &session, const QString &name = QStringLiteral("orders")) const
+    /// Points a session at one of the test's databases.
+    void Aim(TDBSession &session, const QString &name = QStringLiteral("orders"))
     {
         session.SetDBType(GetParam());
-        if (GetParam() == dbtMSSQL) {
+        if (!GetParam().IsEmbedded()) {
+            Testing::Aim(session, OnServer(name));
+        } else if (GetParam() == dbtMSSQL) {
             QDir(Dir.path()).mkpath(QStringLiteral("server"));
             session.SetDBServer(QStringLiteral("folder:") + Dir.filePath(QStringLiteral("server")));
             session.SetDBName(name);
@@ -60,7 +66,7 @@ protected:
     }
 
     /// The columns of all tables as "TABLE.COLUMN type", in alphabetical order. The type is in
-    /// lower case, since the engine writes some of its names in capitals.
+    /// lower case, since the embedded engine writes some of its names in capitals.
     QStringList Columns(TDBSession &session)
     {
         QStringList columns;
@@ -87,11 +93,20 @@ protected:
         return indexes;
     }
 
+private:
+    std::map<QString, ServerDatabase> FOnServer; // outlives the session
+
+protected:
     QTemporaryDir Dir;
     TDBDFile Design;
     TDBSession Session;
 
 private:
+    const ServerDatabase &OnServer(const QString &name)
+    {
+        return FOnServer.try_emplace(name, *GetParam().Server(), DatabaseMaking::ByTheTest).first->second;
+    }
+
     /// The rows of a schema rowset, without the engine's own tables.
     static QList<QStringList> SchemaRows(TDBSession &session, TSchemaInfo schema)
     {
@@ -111,12 +126,5 @@ private:
 
     const QString FPrevious = QDir::currentPath();
 };
-
-inline std::string DialectName(const testing::TestParamInfo<TDBType> &info)
-{
-    return GetDBTypeName(info.param).toStdString();
-}
-
-inline const auto BothDialects = testing::Values(dbtAccess, dbtMSSQL);
 
 } // namespace Korvane::Testing

@@ -137,4 +137,4 @@ TEST_P(CheckAndRepair, a_databases_nulls_are_found_and_filled)
               QStringList({"1|a|5|Y|admin|Admins", "2|x|0|N|admin|Admins"}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, CheckAndRepair, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, CheckAndRepair, testing::ValuesIn(AllPlaces()), PlaceName);

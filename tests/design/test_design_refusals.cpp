@@ -217,18 +217,19 @@ TEST_P(DatabaseRefusals, places_where_no_database_can_be)
     }
 }
 
-TEST_P(DatabaseRefusals, a_database_in_use_is_not_overwritten)
+TEST_P(DatabaseRefusals, a_password_given_at_creation_is_asked_for)
 {
-    OpenOrders();
-    Design.CreateDB(Session, true);
-    TDBSession other;
-    Aim(other);
-    other.SetConnected(true);
-    other.Execute(QString("insert into UNIT(UNITCODE, UNITNAME) values('PCS', '个')"));
-    const PromptScript script({IDYES});
-    const QString message = MessageOf([&] { Design.CreateDB(Session, true); });
-    EXPECT_TRUE(message.startsWith("数据库正在使用中，不能删除：")) << message.toStdString();
-    EXPECT_EQ(other.Open("select UNITNAME from UNIT").Text(0, 0), "个");
+    DesignStore store(Dir.filePath("design.dbd"));
+    store.Table("T").Field("X", "int");
+    Design.SetFileName(store.FileName());
+    Design.SetActived(true);
+    Session.SetDBPassword("秘密;'\"");
+    EXPECT_TRUE(Design.CreateDB(Session, false));
+    Session.SetConnected(true);
+    EXPECT_EQ(Session.GetVersion(), 0);
+    Session.SetConnected(false);
+    Session.SetDBPassword("");
+    EXPECT_NE(MessageOf([&] { Session.SetConnected(true); }), "nothing");
 }
 
 TEST_P(DatabaseRefusals, a_lock_held_by_another_connection)
@@ -259,4 +260,4 @@ TEST_P(DatabaseRefusals, a_lock_held_by_another_connection)
     EXPECT_EQ(Rows("select X from T order by X"), QStringList({"1", "2"}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, DatabaseRefusals, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, DatabaseRefusals, testing::ValuesIn(EmbeddedPlaces()), PlaceName);

@@ -182,4 +182,4 @@ TEST_P(UpgradeDatabase, a_database_without_a_version_table)
     EXPECT_FALSE(Session.TableExists("A1"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, UpgradeDatabase, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, UpgradeDatabase, testing::ValuesIn(AllPlaces()), PlaceName);

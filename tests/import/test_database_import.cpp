@@ -30,7 +30,7 @@ QStringList SortedRows(const TDataPacket &packet)
 
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Dialects, ImportTest, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Dialects, ImportTest, testing::ValuesIn(EmbeddedPlaces()), PlaceName);
 
 TEST_P(ImportTest, takes_in_the_whole_old_database)
 {

@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Dialects, ImportRefusals, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Dialects, ImportRefusals, testing::ValuesIn(EmbeddedPlaces()), PlaceName);
 
 TEST_P(ImportRefusals, all_that_does_not_fit_is_told_at_once_and_nothing_is_left)
 {

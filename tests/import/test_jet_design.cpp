@@ -30,7 +30,7 @@ protected:
 
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Dialects, JetDesign, BothDialects, DialectName);
+INSTANTIATE_TEST_SUITE_P(Dialects, JetDesign, testing::ValuesIn(EmbeddedPlaces()), PlaceName);
 
 TEST_P(JetDesign, an_import_with_the_design_of_the_old_tables_takes_in_every_row)
 {

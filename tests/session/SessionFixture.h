@@ -2,41 +2,39 @@
 #pragma once
 
 #include "platform/core/StringList.h"
-#include "session/DBSession.h"
 #include "support/Packets.h"
-#include "support/TestDatabase.h"
+#include "support/TestPlace.h"
 
 namespace Korvane::Testing {
 
-/// Sets a session's properties so that it connects to a test database.
-inline void Aim(TDBSession &session, const TestDatabase &database)
-{
-    session.SetDBType(database.Dialect() == TSqlDialect::Access ? dbtAccess : dbtMSSQL);
-    session.SetDBServer(database.Dialect() == TSqlDialect::Access ? QString() : database.Server());
-    session.SetDBName(database.Dialect() == TSqlDialect::Access ? database.FileName()
-                                                                : QStringLiteral("orders"));
-}
-
-/// A connected session on an empty database of either dialect, whose "Error.sql" is in a folder
-/// of its own.
-class SessionFixture : public testing::TestWithParam<TSqlDialect>
+/// A connected session on an empty database, whose "Error.sql" is in a folder of its own.
+class SessionFixture : public testing::TestWithParam<TTestPlace>
 {
 protected:
     SessionFixture()
     {
         QDir::setCurrent(FCurrent.path());
+        if (!IsThere(GetParam()))
+            return;
         Aim(FSession, FDatabase);
         FSession.SetConnected(true);
         FSession.OnExecute() = [this](const QString &statement) { FSent += statement; };
     }
     ~SessionFixture() override { QDir::setCurrent(FBefore); }
 
-    bool IsAccess() const { return GetParam() == TSqlDialect::Access; }
+    bool IsAccess() const { return GetParam() == dbtAccess; }
     /// The lines of "Error.sql"; none if there is no such file.
     QStringList Logged() const
     {
         const QString file = FCurrent.filePath(QStringLiteral("Error.sql"));
         return QFile::exists(file) ? LoadLines(file) : QStringList();
+    }
+    /// What the engine says of a table that it does not have.
+    QString NoTable(const QString &name) const
+    {
+        return GetParam().IsPostgres()
+                   ? QStringLiteral("ERROR: relation \"%1\" does not exist").arg(name.toUpper())
+                   : QStringLiteral("no such table: ") + name;
     }
     QString Rows(const QString &statement)
     {
@@ -46,7 +44,7 @@ protected:
 
     QString FBefore = QDir::currentPath();
     QTemporaryDir FCurrent;
-    TestDatabase FDatabase{GetParam()};
+    PlaceDatabase FDatabase{GetParam()};
     TDBSession FSession;
     QStringList FSent;
 };

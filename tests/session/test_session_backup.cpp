@@ -66,7 +66,7 @@ protected:
 
     const QString FRestored = IsAccess() ? u"true disconnected"_s : u"true disconnected master"_s;
 };
-INSTANTIATE_TEST_SUITE_P(Dialects, SessionBackup, testing::ValuesIn(BothDialects), DialectName);
+INSTANTIATE_TEST_SUITE_P(Dialects, SessionBackup, testing::ValuesIn(EmbeddedPlaces()), PlaceName);
 
 /// Whether a call ends silently.
 bool IsAborted(const std::function<void()> &call)

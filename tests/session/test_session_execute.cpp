@@ -13,7 +13,7 @@ namespace {
 class SessionExecute : public SessionFixture
 {
 };
-INSTANTIATE_TEST_SUITE_P(Dialects, SessionExecute, testing::ValuesIn(BothDialects), DialectName);
+INSTANTIATE_TEST_SUITE_P(Places, SessionExecute, testing::ValuesIn(AllPlaces()), PlaceName);
 
 /// A session on a scripted server, which sees what is sent and fails as told.
 class ScriptedSession : public testing::Test
@@ -256,17 +256,15 @@ TEST_P(SessionExecute, a_failing_script_keeps_the_batches_before)
         FSession.Execute(QStringList{u"insert into T values(1)"_s, u"GO"_s, u"insert into T values(2)"_s,
                                      u"insert into T values(null)"_s, u"GO"_s, u"insert into T values(3)"_s});
     });
-    EXPECT_EQ(
-        message,
-        u"Exception: 不可为空的字段没有值（NOT NULL constraint failed: T.A）\rinsert into T values(2)\r\n"
-        "insert into T values(null)\r\n"_s);
+    EXPECT_TRUE(message.startsWith(u"Exception: 不可为空的字段没有值（"_s)) << message.toStdString();
+    EXPECT_EQ(message.section(u'\r', 1), u"insert into T values(2)\r\ninsert into T values(null)\r\n"_s);
     EXPECT_EQ(Rows(u"select A from T"_s), u"1"_s);
     EXPECT_TRUE(Logged().isEmpty());
 
     FSession.SetSQL(
         {u"insert into T values(4)"_s, u"insert into NONE values(1)"_s, u"insert into T values(5)"_s});
     EXPECT_EQ(RaisedBy([&] { FSession.ExecuteSQL(); }),
-              u"Exception: no such table: NONE\rinsert into NONE values(1)\r\n"_s);
+              u"Exception: "_s + NoTable(u"NONE"_s) + u"\rinsert into NONE values(1)\r\n"_s);
     EXPECT_EQ(Rows(u"select A from T order by A"_s), u"1 / 4"_s);
     EXPECT_TRUE(Logged().isEmpty());
 
@@ -292,8 +290,8 @@ TEST_P(SessionExecute, failed_statements_are_logged_one_behind_the_other)
     EXPECT_THROW(FSession.Open(u"select * from NONE"_s), Exception);
     EXPECT_THROW(FSession.IsEmpty(u"select * from NONE2"_s), Exception);
     EXPECT_EQ(Logged(),
-              (QStringList{u"no such table: 无"_s, u"delete from 无"_s, u"no such table: NONE"_s,
-                           u"select * from NONE"_s, u"no such table: NONE2"_s, u"select * from NONE2"_s}));
+              (QStringList{NoTable(u"无"_s), u"delete from 无"_s, NoTable(u"NONE"_s), u"select * from NONE"_s,
+                           NoTable(u"NONE2"_s), u"select * from NONE2"_s}));
 }
 
 TEST_P(SessionExecute, a_failure_that_is_not_the_databases_does_not_tell_an_old_one)

@@ -71,15 +71,21 @@ inline const char *MissingServer(ServerKind kind)
                                         : "KORVANE_MSSQL names no Microsoft SQL Server";
 }
 
-/// An empty database on a server, which goes with it; connections must be closed before.
+/// Who makes a database that a test asks for.
+enum class DatabaseMaking { AtOnce, ByTheTest };
+
+/// An empty database on a server, or the name for one, which no other test has. It goes with the
+/// object; connections must be closed before.
 class ServerDatabase
 {
 public:
-    explicit ServerDatabase(TestServer server) : FServer(std::move(server))
+    explicit ServerDatabase(TestServer server, DatabaseMaking making = DatabaseMaking::AtOnce)
+        : FServer(std::move(server))
     {
         static int count = 0;
         FName = QStringLiteral("korvane_test_%1_%2").arg(QCoreApplication::applicationPid()).arg(++count);
-        CreateCatalog(ConnectionString());
+        if (making == DatabaseMaking::AtOnce)
+            CreateCatalog(ConnectionString());
     }
     ServerDatabase(const ServerDatabase &) = delete;
     ServerDatabase &operator=(const ServerDatabase &) = delete;
@@ -88,7 +94,7 @@ public:
         try {
             RemoveCatalog(ConnectionString());
         } catch (const Exception &) {
-            // A test that failed may have left a connection; the cluster goes anyway.
+            // It was never made, or a test that failed has left a connection; the cluster goes anyway.
         }
     }
 
