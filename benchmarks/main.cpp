@@ -2,6 +2,7 @@
 // Measures the library beside its peers, in one process and one run.
 //
 //     korvane_bench --work FOLDER [--benchmark_filter=…]
+#include "BusinessBenchmarks.h"
 #include "CopyBenchmarks.h"
 #include "DataSetBenchmarks.h"
 #include "DesignBenchmarks.h"
@@ -34,7 +35,7 @@ int main(int argc, char **argv)
     const bool holds = Bench::RunComparisons(
         Bench::DesignComparisons(folder) + Bench::DataSetComparisons(table) + Bench::SaveComparisons(table) +
             Bench::ServerComparisons(table) + Bench::CopyComparisons(table, folder) +
-            Bench::ImportComparisons(table, folder),
+            Bench::ImportComparisons(table, folder) + Bench::BusinessComparisons(folder),
         QDir(folder).filePath(QStringLiteral("table.tsv")), int(rest.size()), rest.data());
     return holds ? 0 : 1;
 }

@@ -10,6 +10,7 @@ packages=(
   libqt6sql6-odbc
   libsqlite3-dev        # the embedded engine
   sqlite3               # its shell: a peer of the benchmarks, and makes the sample design store
+  libssl-dev            # OpenSSL: a peer of the benchmarks
   mdbtools              # its mdb-export: peer of the benchmarks
   mdbtools-dev          # libmdb, the reader of Jet files
   unixodbc-dev          # the driver manager of ODBC: Microsoft SQL Server and PostgreSQL
@@ -18,6 +19,9 @@ packages=(
   postgresql            # the server of the tests, with pg_dump and pg_restore
   zlib1g-dev            # checksums of packet files
   libicu-dev            # code page 936, simplified and traditional Chinese
+  libxlsxwriter-dev     # a peer of the benchmarks
+  python3-xlrd          # readers of spreadsheet files, for the tests
+  python3-openpyxl
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 

@@ -2,8 +2,10 @@
 #pragma once
 
 // The unit of general routines: types and dialects, session values, text, dates, messages,
-// system and run log.
+// system, run log, money in words and light ciphers.
 
+#include "business/MoneyWords.h"
+#include "business/TextCipher.h"
 #include "design/FieldValue.h"
 #include "general/DateRoutines.h"
 #include "general/Messages.h"

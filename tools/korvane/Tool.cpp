@@ -46,6 +46,19 @@ QList<TOption> ImportOptions()
              QStringLiteral("旧表没有创建者组时填写的组，默认为 Admins")}};
 }
 
+QList<TOption> CodeOptions()
+{
+    return {
+        {QStringLiteral("rule"), QStringLiteral("CODE"), QStringLiteral("SYSMQ 中的编码规则，代替以下各项")},
+        {QStringLiteral("type"), QStringLiteral("TYPE"),
+         QStringLiteral("编码中的日期：day、month（默认）、year 或 number（没有日期）")},
+        {QStringLiteral("year-digits"), QStringLiteral("N"), QStringLiteral("年份的位数，默认为 4")},
+        {QStringLiteral("digits"), QStringLiteral("N"), QStringLiteral("流水号的位数，默认为 5")},
+        Flag(QStringLiteral("custom"), QStringLiteral("流水号全年连续")),
+        {QStringLiteral("date"), QStringLiteral("YYYY-MM-DD"),
+         QStringLiteral("编码的日期，默认为服务器的当天")}};
+}
+
 const QList<TCommand> &Commands()
 {
     static const QList<TCommand> commands = {
@@ -116,6 +129,13 @@ const QList<TCommand> &Commands()
          ImportOptions() + SessionOptions() +
              QList<TOption>{BoolAsCharOption(), YesOption(), ProgressOption()},
          RunImport},
+        {QStringLiteral("words"), QStringLiteral("AMOUNT"), QStringLiteral("输出金额的大写"),
+         QStringLiteral("AMOUNT 最多两位小数。"),
+         QList<TOption>{Flag(QStringLiteral("en"), QStringLiteral("用英文"))}, RunWords},
+        {QStringLiteral("next-code"), QStringLiteral("--database NAME TABLE FIELD"),
+         QStringLiteral("输出一个编码栏位的下一个编码"),
+         QStringLiteral("只查询，不保留编码。没有此规则或规则为手工编码时状态为 1。"),
+         CodeOptions() + SessionOptions(), RunNextCode},
     };
     return commands;
 }
@@ -139,7 +159,7 @@ QString ToolHelp()
 {
     QString help = QStringLiteral("用法：korvane 命令 [选项] [参数]\n\n命令：\n");
     for (const TCommand &command : Commands())
-        help += Column(command.Name, 8) + command.Summary + u'\n';
+        help += Column(command.Name, 9) + command.Summary + u'\n';
     return help + QStringLiteral("\n选项：\n") + Column(QStringLiteral("--help"), 9) +
            QStringLiteral("显示本帮助；放在命令后面则显示该命令的帮助\n") +
            Column(QStringLiteral("--version"), 9) +
