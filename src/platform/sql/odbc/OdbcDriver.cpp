@@ -98,6 +98,7 @@ void TOdbcDriver::Connect(const TConnectionString &connection, const TSqlConnect
     FConnection = std::make_unique<TOdbcConnection>(server);
     try {
         FConnection->Connect(target);
+        FTarget = std::make_unique<TOdbcTarget>(target);
         RunOwn(server.SessionSql(target, options));
         FReadOnly = server.IsReadOnly(options);
         if (server.IsPreparedSql && target.Database != server.ServerDatabase)
@@ -122,6 +123,7 @@ void TOdbcDriver::PrepareDatabase()
 void TOdbcDriver::Disconnect()
 {
     FConnection.reset();
+    FTarget.reset();
     FInTransaction = false;
     FReadOnly = false;
     FLastRowCount = 0;
@@ -302,9 +304,15 @@ void TOdbcDriver::RunServerCommand(const TOdbcBatch &batch)
         return RunAll(Server().CreateDatabaseSql(batch.CommandDatabase));
     case TServerCommand::DropDatabase:
         return RunAll(Server().DropDatabaseSql(batch.CommandDatabase));
-    default:
-        throw ESqlError(QStringLiteral("%1 服务器不能由此语句备份或恢复数据库：%2")
-                            .arg(Server().Title, batch.CommandDatabase));
+    case TServerCommand::BackupDatabase:
+    case TServerCommand::RestoreDatabase: {
+        const auto copy =
+            batch.Command == TServerCommand::BackupDatabase ? Server().Backup : Server().Restore;
+        return copy({*FTarget, batch.CommandDatabase, batch.CommandFile,
+                     [this](const QString &sql) { return RunOwn(sql); }});
+    }
+    case TServerCommand::None:
+        break;
     }
 }
 

@@ -11,6 +11,7 @@ class TOdbcConnection;
 struct TOdbcBatch;
 struct TOdbcServer;
 struct TOdbcStep;
+struct TOdbcTarget;
 
 /// Database servers, by the ODBC driver manager: Microsoft SQL Server ("host", "host,port" or
 /// "host\instance" as data source) and PostgreSQL ("postgresql://host:port"). Statements come in
@@ -64,6 +65,7 @@ private:
     qint64 FLastRowCount = 0; ///< of the statement before
     bool FInTransaction = false;
     bool FReadOnly = false;
+    std::unique_ptr<TOdbcTarget> FTarget; // of the connection
 };
 
 } // namespace Korvane

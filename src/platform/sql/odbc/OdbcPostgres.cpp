@@ -83,9 +83,6 @@ select coalesce(client_hostname, host(client_addr), '')::varchar(128) as "COMPUT
 from pg_catalog.pg_stat_activity where datname = current_database() and backend_type = 'client backend'
 order by pid)";
 
-QString Literal(QString text) { return u'\'' + text.replace(u'\'', "''"_L1) + u'\''; }
-QString Name(QString name) { return u'"' + name.replace(u'"', "\"\""_L1) + u'"'; }
-
 TOdbcTarget ReadAddress(const QString &dataSource)
 {
     const TPostgresAddress address = PostgresAddressOf(dataSource);
@@ -124,8 +121,8 @@ QString SessionSql(const TOdbcTarget &target, const TSqlConnectOptions &options)
         sql += u';';
     // NOTE: floats are sent as digits; fewer would lose some of a float's bits.
     sql += u"set extra_float_digits = 1; set application_name = "_s +
-           Literal(PostgresApplicationName(target.ApplicationName));
-    sql += u"; set lock_timeout = "_s + Literal(QString::number(options.CommandTimeout) + u's');
+           PostgresLiteral(PostgresApplicationName(target.ApplicationName));
+    sql += u"; set lock_timeout = "_s + PostgresLiteral(QString::number(options.CommandTimeout) + u's');
     if (IsReadOnly(options))
         sql += u"; set default_transaction_read_only = on"_s;
     return sql;
@@ -159,6 +156,7 @@ TOdbcBatch Rewrite(const QString &statement)
     batch.WrittenNames = rewritten.WrittenNames;
     batch.Command = rewritten.Command;
     batch.CommandDatabase = rewritten.CommandDatabase;
+    batch.CommandFile = rewritten.CommandFile;
     return batch;
 }
 
@@ -170,15 +168,15 @@ QString RowCount(qint64 count) { return QString::fromUtf8(RowCountSql(count)); }
 QStringList CreateDatabaseSql(const QString &name)
 {
     const QString kept = PostgresDatabaseName(name);
-    return {u"create database "_s + Name(kept) +
+    return {u"create database "_s + PostgresQuotedName(kept) +
                 u" template template0 encoding 'UTF8' lc_collate 'C' lc_ctype 'C'"_s,
-            u"do $made$ begin execute format('comment on database %I is %L', "_s + Literal(kept) +
+            u"do $made$ begin execute format('comment on database %I is %L', "_s + PostgresLiteral(kept) +
                 u", to_char(localtimestamp, 'YYYY-MM-DD HH24:MI:SS')); end $made$"_s};
 }
 
 QStringList DropDatabaseSql(const QString &name)
 {
-    return {u"drop database "_s + Name(PostgresDatabaseName(name))};
+    return {u"drop database "_s + PostgresQuotedName(PostgresDatabaseName(name))};
 }
 
 } // namespace
@@ -186,6 +184,15 @@ QStringList DropDatabaseSql(const QString &name)
 QString PostgresDatabaseName(const QString &name)
 {
     return name.compare("master"_L1, Qt::CaseInsensitive) == 0 ? u"postgres"_s : name;
+}
+
+QString PostgresLiteral(QString text) { return u'\'' + text.replace(u'\'', "''"_L1) + u'\''; }
+
+QString PostgresQuotedName(QString name) { return u'"' + name.replace(u'"', "\"\""_L1) + u'"'; }
+
+QString PostgresRenameSql(const QString &from, const QString &to)
+{
+    return u"alter database "_s + PostgresQuotedName(from) + u" rename to "_s + PostgresQuotedName(to);
 }
 
 QString PostgresApplicationName(const QString &name)
@@ -240,6 +247,8 @@ const TOdbcServer &PostgresOverOdbc()
         s.RowCountSql = RowCount;
         s.CreateDatabaseSql = CreateDatabaseSql;
         s.DropDatabaseSql = DropDatabaseSql;
+        s.Backup = BackupPostgres;
+        s.Restore = RestorePostgres;
         s.TablesSql = TablesText;
         s.ColumnsSql = ColumnsText;
         s.IndexesSql = IndexesText;

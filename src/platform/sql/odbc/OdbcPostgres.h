@@ -13,6 +13,19 @@ QString PostgresDatabaseName(const QString &name);
 /// of ASCII: any other is "b64:" and the base64 of its UTF-8, cut to 14 Chinese characters.
 QString PostgresApplicationName(const QString &name);
 
+// What a statement of the server's own language is made of.
+QString PostgresLiteral(QString text);
+QString PostgresQuotedName(QString name);
+QString PostgresRenameSql(const QString &from, const QString &to);
+
+struct TOdbcCopyCall;
+/// Copies a database, as last committed, by pg_dump. The file appears whole or not at all.
+void BackupPostgres(const TOdbcCopyCall &call);
+/// Makes a database out of such a file by pg_restore, and puts it into the place of the one of its name,
+/// which need not be there. A file that is damaged, and a database in use, are found before that. The
+/// connection must be one to another database.
+void RestorePostgres(const TOdbcCopyCall &call);
+
 /// Host and port of "postgresql://host:port". Raises ESqlError for anything else.
 struct TPostgresAddress
 {

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <span>
 
 namespace Korvane {
@@ -59,6 +60,7 @@ struct TOdbcBatch
     QHash<QString, QString> WrittenNames;          ///< of result columns that the server names differently
     TServerCommand Command = TServerCommand::None; ///< done by the driver in place of steps
     QString CommandDatabase;
+    QString CommandFile; ///< of backup and restore
 };
 
 /// Sentence for the user in front of the server's own words, where the state is known.
@@ -66,6 +68,16 @@ struct TOdbcSentence
 {
     QLatin1StringView SQLState;
     const char *Text;
+};
+
+/// A database that is copied to a file of this machine, or brought back from one.
+struct TOdbcCopyCall
+{
+    const TOdbcTarget &Target; ///< of the connection
+    QString Database;
+    QString FileName;
+    /// Runs a text of the server's own language on the connection.
+    std::function<TDataPacket(const QString &)> Run;
 };
 
 /// All that one kind of server does differently from another. The driver asks this record and
@@ -99,6 +111,9 @@ struct TOdbcServer
     QString (*RowCountSql)(qint64 count) = nullptr; ///< may be null
     QStringList (*CreateDatabaseSql)(const QString &name) = nullptr;
     QStringList (*DropDatabaseSql)(const QString &name) = nullptr;
+    /// Only where Rewrite gives these commands.
+    void (*Backup)(const TOdbcCopyCall &call) = nullptr;
+    void (*Restore)(const TOdbcCopyCall &call) = nullptr;
 
     // Statements that give the schema rowsets in the columns that SqlDriver names.
     const char *TablesSql = nullptr;
