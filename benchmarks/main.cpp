@@ -6,6 +6,7 @@
 #include "CopyBenchmarks.h"
 #include "DataSetBenchmarks.h"
 #include "DesignBenchmarks.h"
+#include "ExportBenchmarks.h"
 #include "ImportBenchmarks.h"
 #include "LargeTable.h"
 #include "SaveBenchmarks.h"
@@ -35,7 +36,8 @@ int main(int argc, char **argv)
     const bool holds = Bench::RunComparisons(
         Bench::DesignComparisons(folder) + Bench::DataSetComparisons(table) + Bench::SaveComparisons(table) +
             Bench::ServerComparisons(table) + Bench::CopyComparisons(table, folder) +
-            Bench::ImportComparisons(table, folder) + Bench::BusinessComparisons(folder),
+            Bench::ImportComparisons(table, folder) + Bench::BusinessComparisons(folder) +
+            Bench::ExportComparisons(table, folder),
         QDir(folder).filePath(QStringLiteral("table.tsv")), int(rest.size()), rest.data());
     return holds ? 0 : 1;
 }

@@ -18,8 +18,9 @@ packages=(
   tdsodbc               # and FreeTDS, for SQL Server
   postgresql            # the server of the tests, with pg_dump and pg_restore
   zlib1g-dev            # checksums of packet files
+  libxlsxwriter-dev     # writes workbooks
+  libminizip-dev        # reads them back
   libicu-dev            # code page 936, simplified and traditional Chinese
-  libxlsxwriter-dev     # a peer of the benchmarks
   python3-xlrd          # readers of spreadsheet files, for the tests
   python3-openpyxl
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -12,6 +12,7 @@ namespace Korvane {
 class TBlobField;
 class TDBDFile;
 class TDBSession;
+class TXlsxWriter;
 
 /// Rows in memory that are read by the statements of a design file and written back by them.
 /// Base of TExTable and TExQuery, which name a table or a query of the design.
@@ -238,6 +239,26 @@ public:
     /// Whether there is such a row; the position stays.
     bool FindText(const QString &fields, const QVariant &values);
 
+    // ---- files for spreadsheet programs
+    /// Asks for a name and writes all rows shown into a worksheet file (.xls), under the labels of
+    /// all fields, and tells that it is done. A value stands there as it is edited, numbers as
+    /// numbers; of a field that is not visible, and where "******" is shown, there is none. Texts are
+    /// in code page 936. The format counts rows to 65,536, and wraps beyond.
+    void ExportToExcel();
+    /// The same without a word. A file of the name is deleted first; a failure leaves what was
+    /// written. Raises EFileError.
+    void ExportToExcel(const QString &fileName);
+    /// Asks for a name and writes a workbook (.xlsx) of the same cells: up to 1,048,575 rows, texts
+    /// up to 32,767 characters in any script, NULL numbers as empty cells, and integers of more than
+    /// 15 digits as texts. The head is bold and stays in sight, DisplayWidth makes the widths.
+    void ExportToWorkbook();
+    /// The same without a word. The file appears whole or not at all, and the current row stays.
+    /// Raises EFileError, EOutOfResources for what the format cannot hold, and EAbort when
+    /// OnExportProgress cancels.
+    void ExportToWorkbook(const QString &fileName);
+    /// (rows written, all rows, cancel): while a workbook is written, now and then and at the end.
+    TEvent<qsizetype, qsizetype, bool &> OnExportProgress;
+
     // ---- numbers
     /// The text of a number for AutoField: with leading zeros unless the field is an "int".
     QString FormatAutoValue(int number);
@@ -310,6 +331,7 @@ private:
     void SetAllSelected(bool selected);
     void ClearSortIndex();
     void WriteAndSwap(TField &field, const QString &value);
+    void WriteWorkbookRows(TXlsxWriter &writer);
 
     QString FOpenField;
     QVariant FOpenValue;

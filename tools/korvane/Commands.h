@@ -27,6 +27,7 @@ int RunFields(TCommandLine &line, TToolStreams &streams);
 int RunSql(TCommandLine &line, TToolStreams &streams);
 int RunClass(TCommandLine &line, TToolStreams &streams);
 int RunImport(TCommandLine &line, TToolStreams &streams);
+int RunExport(TCommandLine &line, TToolStreams &streams);
 int RunWords(TCommandLine &line, TToolStreams &streams);
 int RunNextCode(TCommandLine &line, TToolStreams &streams);
 

@@ -59,6 +59,13 @@ QList<TOption> CodeOptions()
          QStringLiteral("编码的日期，默认为服务器的当天")}};
 }
 
+QList<TOption> ExportOptions()
+{
+    return {{QStringLiteral("where"), QStringLiteral("TEXT"), QStringLiteral("只导出符合该 SQL 条件的行")},
+            {QStringLiteral("order"), QStringLiteral("TEXT"), QStringLiteral("行的顺序，例如 \"CODE desc\"")},
+            Flag(QStringLiteral("bom"), QStringLiteral("在 .csv 文件的开头加 UTF-8 标记"))};
+}
+
 const QList<TCommand> &Commands()
 {
     static const QList<TCommand> commands = {
@@ -129,6 +136,12 @@ const QList<TCommand> &Commands()
          ImportOptions() + SessionOptions() +
              QList<TOption>{BoolAsCharOption(), YesOption(), ProgressOption()},
          RunImport},
+        {QStringLiteral("export"), QStringLiteral("DESIGN --database NAME TABLE|QUERY FILE"),
+         QStringLiteral("把一个表或查询的数据导出到文件"),
+         QStringLiteral("FILE 的结尾决定格式：.xls、.xlsx 或 .csv（UTF-8）。FILE 已经存在时先询问是否覆盖；"
+                        "拒绝时状态为 1。"),
+         DesignOptions() + SessionOptions() + ExportOptions() + QList<TOption>{YesOption(), ProgressOption()},
+         RunExport},
         {QStringLiteral("words"), QStringLiteral("AMOUNT"), QStringLiteral("输出金额的大写"),
          QStringLiteral("AMOUNT 最多两位小数。"),
          QList<TOption>{Flag(QStringLiteral("en"), QStringLiteral("用英文"))}, RunWords},
