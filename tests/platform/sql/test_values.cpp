@@ -155,6 +155,21 @@ TEST(Values, two_columns_of_a_name_are_told_apart)
     }
 }
 
+TEST(Values, a_column_that_is_not_there_is_told_whatever_it_is_called)
+{
+    for (const TSqlDialect dialect : BothDialects) {
+        const TestDatabase database(dialect);
+        const auto connection = database.Connect();
+        RunAll(*connection, {u"create table T(A int)"_s, u"insert into T values(1)"_s});
+        // The second and the third are words of the engine, which are quoted for it.
+        for (const QString &name : {u"MISSING"_s, u"NOTHING"_s, u"GLOB"_s})
+            for (const QString &statement :
+                 {u"select * from T where %1=1"_s, u"select %1 from T"_s, u"update T set A=%1"_s})
+                EXPECT_EQ(FailureOf(*connection, statement.arg(name)), u"no such column: "_s + name);
+        EXPECT_EQ(FailureOf(*connection, u"create index IX on T(NOTHING)"_s), u"no such column: NOTHING"_s);
+    }
+}
+
 TEST(Values, a_statement_without_rows_gives_the_fields_and_one_without_a_result_none)
 {
     for (const TSqlDialect dialect : BothDialects) {

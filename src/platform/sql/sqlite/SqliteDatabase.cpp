@@ -30,8 +30,13 @@ TSqliteDatabase::TSqliteDatabase(const QString &fileName, TSqliteOpen mode) : FF
     const QByteArray path =
         mode == TSqliteOpen::Memory ? QByteArray(":memory:") : QDir::toNativeSeparators(fileName).toUtf8();
     const int code = sqlite3_open_v2(path.constData(), &FHandle, flags, nullptr);
-    if (code == SQLITE_OK)
+    if (code == SQLITE_OK) {
+        // NOTE: a name in quotes is a name. By default the engine takes one that it does not know for
+        // a text, and finds nothing in place of a failure.
+        sqlite3_db_config(FHandle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+        sqlite3_db_config(FHandle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
         return;
+    }
     const QString text = FHandle ? QString::fromUtf8(sqlite3_errmsg(FHandle)) : QString();
     sqlite3_close_v2(FHandle);
     throw ESqlError(DescribeSqliteError(code, text, fileName), code);
