@@ -5,6 +5,7 @@
 #include "support/ScriptedPrompts.h"
 
 #include <QFile>
+#include <QThread>
 
 using namespace Korvane;
 using namespace Korvane::Testing;
@@ -19,8 +20,8 @@ protected:
     {
         if (!FSession.Connected())
             return;
-        FSession.SetAppName(u"backup"_s);
         FName = FSession.DBName();
+        FSession.SetAppName(FName); // a name of its own
         for (const QString &statement :
              {u"create table T(ID int identity(1,1), A varchar(20), B image, D decimal(18,4))"_s,
               u"create unique index IX on T(A)"_s,
@@ -51,13 +52,16 @@ protected:
     {
         return Outcome([&] { return FSession.BackupDB(file); });
     }
-    /// A name of its own: a session of the name that the database is used by stops a restore.
-    QString Restore(const QString &file)
+    /// From a connection of another name: one of the name that the database is used by stops a restore.
+    QString Restore(const QString &file, int others = 0)
     {
         FSession.SetConnected(false);
         FSession.SetAppName({});
         Reconnect();
-        FSession.SetAppName(u"backup"_s);
+        FSession.SetAppName(FName);
+        // The server takes a moment to let go of a connection.
+        for (int tries = 0; tries < 200 && FSession.GetOnlineUsers(FName) > others; ++tries)
+            QThread::msleep(25);
         return Outcome([&] { return FSession.RestoreDB(file); });
     }
     QString Content() { return Rows(u"select ID,A,B,D from T order by ID"_s); }
@@ -135,9 +139,9 @@ TEST_P(ServerBackup, a_database_in_use_is_not_replaced)
     ASSERT_EQ(Backup(file), u"true disconnected"_s);
     TDBSession other;
     Aim(other, FDatabase);
-    other.SetAppName(u"backup"_s);
+    other.SetAppName(FName);
     other.SetConnected(true);
-    EXPECT_EQ(Restore(file), u"EAbort 数据库正在使用中，请确保当前没有用户在使用 connected"_s);
+    EXPECT_EQ(Restore(file, 1), u"EAbort 数据库正在使用中，请确保当前没有用户在使用 connected"_s);
     // Whoever goes by another name is found by the server.
     other.SetConnected(false);
     other.SetAppName(u"other"_s);

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QThread>
 #include <QUuid>
 
 #include <cstdio>
@@ -19,6 +20,10 @@ using namespace Qt::StringLiterals;
 namespace Korvane {
 
 namespace {
+
+// How long a connection may take to go: as long as the server itself waits before it drops a database.
+constexpr int LeavingTries = 50;
+constexpr int LeavingPause = 100; ///< milliseconds
 
 QString PathOf(const QString &name)
 {
@@ -91,6 +96,18 @@ QString Answer(const TOdbcCopyCall &call, const QString &question)
     return rows.RowCount() > 0 ? rows.Text(0, 0) : QString();
 }
 
+/// NOTE: the server takes a moment to let go of a connection, which may have been the caller's own.
+void CheckUnused(const TOdbcCopyCall &call, const QString &database)
+{
+    const QString users = u"select 1 from pg_catalog.pg_stat_activity where datname = "_s +
+                          PostgresLiteral(database) + u" limit 1"_s;
+    for (int tries = 0; !Answer(call, users).isEmpty(); ++tries) {
+        if (tries == LeavingTries)
+            throw ESqlError(u"数据库正在使用中，不能恢复：%1"_s.arg(database));
+        QThread::msleep(LeavingPause);
+    }
+}
+
 } // namespace
 
 void BackupPostgres(const TOdbcCopyCall &call)
@@ -113,16 +130,14 @@ void RestorePostgres(const TOdbcCopyCall &call)
     if (name.isEmpty() || isMaster(name))
         throw ESqlError(u"不能恢复到系统数据库 master，备份中也没有其他数据库的名称：%1"_s.arg(file));
 
+    CheckUnused(call, name);
+
     TNewDatabase restored(call);
     RunTool(call, u"pg_restore"_s, restored.Name(),
             {u"--exit-on-error"_s, u"--single-transaction"_s, u"--no-owner"_s, u"--no-privileges"_s, file});
 
     const QString ofDatabase = u" from pg_catalog.pg_database where datname = "_s + PostgresLiteral(name);
     const bool isThere = !Answer(call, u"select 1"_s + ofDatabase).isEmpty();
-    const QString users = u"select 1 from pg_catalog.pg_stat_activity where datname = "_s +
-                          PostgresLiteral(name) + u" limit 1"_s;
-    if (!Answer(call, users).isEmpty())
-        throw ESqlError(u"数据库正在使用中，不能恢复：%1"_s.arg(name));
     // When the database was made stands in its comment.
     const QString made =
         Answer(call, u"select pg_catalog.shobj_description(oid, 'pg_database')"_s + ofDatabase);
