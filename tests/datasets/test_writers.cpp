@@ -3,6 +3,7 @@
 #include "DataSetTesting.h"
 
 #include <QDeadlineTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
 
@@ -28,7 +29,8 @@ protected:
         writer->setProcessChannelMode(QProcess::ForwardedErrorChannel);
         writer->start(QStringLiteral(KORVANE_WRITER),
                       {mode, Design.FileName(), GetParam() == dbtAccess ? u"access"_s : u"mssql"_s,
-                       Session.DBServer(), Session.DBName(), Session.DBUser(), name, QString::number(count)});
+                       Session.DBServer(), Session.DBName(), Session.DBUser(), name, QString::number(count),
+                       Application()});
         EXPECT_EQ(LineOf(*writer), "ready");
         return writer;
     }
@@ -58,7 +60,9 @@ protected:
         return TextOfTable(u"select count(*), sum(QTY) from LINE"_s) + u" / "_s +
                TextOfTable(u"select QTY from PART order by CODE"_s);
     }
-    int Users() { return Session.GetOnlineUsers(u"writers"_s); }
+    /// Under a name of its own: other tests use the same server.
+    QString Application() const { return u"writers "_s + QFileInfo(Session.DBName()).completeBaseName(); }
+    int Users() { return Session.GetOnlineUsers(Application()); }
     /// Waits until a server has noticed who is gone.
     bool UsersBecome(int count)
     {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // One of many users of a database, in a process of its own:
 //
-//     korvane_writer save|hold DESIGN access|mssql SERVER DATABASE USER NAME COUNT
+//     korvane_writer save|hold DESIGN access|mssql SERVER DATABASE USER NAME COUNT APPLICATION
 //
 // The password stands in KORVANE_WRITER_PASSWORD. It says "ready", waits for a line, and saves rows of LINE,
 // each in a transaction with a count in PART; what other users are in the way of it does again. In the end it
@@ -50,7 +50,7 @@ public:
         FSession.SetDBName(arguments[5]);
         FSession.SetDBUser(arguments[6]);
         FSession.SetDBPassword(qEnvironmentVariable("KORVANE_WRITER_PASSWORD"));
-        FSession.SetAppName(u"writers"_s);
+        FSession.SetAppName(arguments[9]);
         FSession.SetConnected(true);
         FLines.SetDBDFile(&FDesign);
         FLines.SetDBSession(&FSession);
