@@ -22,6 +22,13 @@ void TRowStatements::Aim(const QString &table, const TObjectList<TFieldsObject> 
     FInsertHead.clear();
     FBeforeValues.clear();
     FAssignments.clear();
+}
+
+/// Worked out at the first statement: many definitions never write one.
+void TRowStatements::PrepareTexts()
+{
+    if (!FAssignments.isEmpty())
+        return;
     for (const TWrittenColumn &column : std::as_const(FColumns)) {
         // The comma goes by the place of the field, not by what was written so far.
         FBeforeValues.append(column.Field > 0 ? QString(Separator) : QString());
@@ -51,6 +58,7 @@ void TRowStatements::AppendValues(QString &statement, const QStringList &before,
 
 QString TRowStatements::InsertSQL(const TDBObject &object)
 {
+    PrepareTexts();
     if (FTable.contains(u'%')) {
         QString values;
         AppendValues(values, FBeforeValues, object);
@@ -70,6 +78,7 @@ QString TRowStatements::InsertSQL(const TDBObject &object)
 
 QString TRowStatements::UpdateSQL(const TDBObject &object, const QString &conditions)
 {
+    PrepareTexts();
     const QLatin1StringView update("update "), set(" set "), where(" where ");
     QString statement;
     if (FTable.contains(u'%') || conditions.contains(u'%')) {

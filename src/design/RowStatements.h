@@ -26,6 +26,7 @@ public:
     QString UpdateSQL(const TDBObject &object, const QString &conditions);
 
 private:
+    void PrepareTexts();
     QString ColumnNames() const;
     /// The value of each column, behind the column's text in a list of as many.
     void AppendValues(QString &statement, const QStringList &before, const TDBObject &object);
@@ -33,7 +34,8 @@ private:
     QString FTable;
     QList<TWrittenColumn> FColumns;
     TRecordBindings FBindings;
-    QString FInsertHead;       // up to the values; made at the first use
+    QString FInsertHead; // up to the values; made at the first use
+    // What stands before each value; made at the first use.
     QStringList FBeforeValues; // of an insert: ", "
     QStringList FAssignments;  // of an update: ", CODE="
 };

@@ -232,7 +232,9 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
         FStatements.Clear();
     if (single || kinds.contains(TStepKind::ControlsTransaction)) {
         const qint64 affected = RunSteps(rewritten, kinds, parameters, rows);
-        if (FReuse == TStatementReuse::On && single)
+        const bool mayComeAgain =
+            kinds.size() == 1 && (kinds[0] == TStepKind::Selects || kinds[0] == TStepKind::ChangesRows);
+        if (FReuse == TStatementReuse::On && mayComeAgain)
             FStatements.Learn(database, statement);
         return affected;
     }
