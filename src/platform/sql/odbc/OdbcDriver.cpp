@@ -183,7 +183,9 @@ qint64 TOdbcDriver::RunTogether(const TOdbcBatch &batch, std::span<const TSqlPar
             else
                 RollbackTransaction();
         } catch (const ESqlError &) {
-            // The failure that led here is the one to tell.
+            // The failure that led here is the one to tell. What could not be undone ends with the
+            // connection.
+            Disconnect();
         }
     });
     const qint64 affected = RunSteps(batch, parameters, rows);
@@ -261,7 +263,10 @@ void TOdbcDriver::EndTransaction(void (TOdbcConnection::*end)())
     Guarded([&] {
         (Connection().*end)();
         FInTransaction = false;
+        // Statements that went on into a transaction that nobody ends would be lost.
+        auto leave = qScopeGuard([this] { Disconnect(); });
         Connection().SetAutoCommit(true);
+        leave.dismiss();
     });
 }
 
@@ -305,15 +310,24 @@ void TOdbcDriver::RunServerCommand(const TOdbcBatch &batch)
     case TServerCommand::DropDatabase:
         return RunAll(Server().DropDatabaseSql(batch.CommandDatabase));
     case TServerCommand::BackupDatabase:
-    case TServerCommand::RestoreDatabase: {
-        const auto copy =
-            batch.Command == TServerCommand::BackupDatabase ? Server().Backup : Server().Restore;
-        return copy({*FTarget, batch.CommandDatabase, batch.CommandFile,
-                     [this](const QString &sql) { return RunOwn(sql); }});
-    }
+    case TServerCommand::RestoreDatabase:
+        return RunCopy(batch);
     case TServerCommand::None:
         break;
     }
+}
+
+void TOdbcDriver::RunCopy(const TOdbcBatch &batch)
+{
+    const bool isBackup = batch.Command == TServerCommand::BackupDatabase;
+    if (FReadOnly && !isBackup)
+        throw ESqlError(QStringLiteral("连接是只读的，不能恢复数据库：%1").arg(batch.CommandDatabase));
+    // The copy would wait for the locks of the transaction, and the transaction for the copy.
+    if (FInTransaction)
+        throw ESqlError(QStringLiteral("在事务中不能备份或恢复数据库：%1").arg(batch.CommandDatabase));
+    const auto copy = isBackup ? Server().Backup : Server().Restore;
+    copy({*FTarget, batch.CommandDatabase, batch.CommandFile,
+          [this](const QString &sql) { return RunOwn(sql); }});
 }
 
 void TOdbcDriver::RunOverServerDatabase(const TConnectionString &connection,

@@ -57,6 +57,7 @@ private:
     /// Runs a text of the server's own language; the rows of its last result that has some.
     TDataPacket RunOwn(const QString &sql);
     void RunServerCommand(const TOdbcBatch &batch);
+    void RunCopy(const TOdbcBatch &batch);
     void RunAll(const QStringList &statements);
     void RunOverServerDatabase(const TConnectionString &connection, QStringList (*sql)(const QString &name));
     void EndTransaction(void (TOdbcConnection::*end)());

@@ -121,12 +121,16 @@ void TOdbcValues::Set(TValue &value, const QVariant &given)
 void TOdbcValues::Bind(TOdbcStatement &statement, const std::vector<int> &marks,
                        std::span<const TSqlParameter> parameters)
 {
+    const bool noNul = statement.Connection().Server().TextsEndAtNul;
     FValues.clear();
     FValues.resize(marks.size()); // at once: the statement keeps their addresses
     for (size_t i = 0; i < marks.size(); ++i) {
         TValue &value = FValues[i];
         if (marks[i] >= 0)
             Set(value, parameters[size_t(marks[i])].Value);
+        if (noNul && value.Text.contains(QChar(0)))
+            throw ESqlError(QStringLiteral("参数“%1”的文本中有 NUL 字符，不能保存")
+                                .arg(parameters[size_t(marks[i])].Name));
         SQLPOINTER place = const_cast<char *>(value.Data);
         if (value.CType == SQL_C_SBIGINT)
             place = &value.Int;

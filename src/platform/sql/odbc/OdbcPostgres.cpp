@@ -2,7 +2,10 @@
 // PostgreSQL by psqlodbc.
 #include "platform/sql/odbc/OdbcPostgres.h"
 
+#include "platform/sql/dialect/SqlTokenizer.h"
 #include "platform/sql/odbc/OdbcServer.h"
+#include "platform/sql/postgres/PostgresCatalog.h"
+#include "platform/sql/postgres/PostgresNames.h"
 #include "platform/sql/postgres/PostgresRewriter.h"
 #include "platform/sql/postgres/PostgresSetup.h"
 
@@ -74,14 +77,18 @@ where k.place <= x.indnkeyatts and n.nspname not in ('pg_catalog', 'information_
   and n.nspname !~ '^pg_(toast|temp)'
 order by t.relname, 2, k.place)";
 
-constexpr auto UsersText = R"(
+const char *UsersText()
+{
+    static const QByteArray text =
+        R"(
 select coalesce(client_hostname, host(client_addr), '')::varchar(128) as "COMPUTER_NAME",
   usename::varchar(128) as "LOGIN_NAME", backend_start::timestamp as "CONNECTED",
-  (case when application_name ~ '^b64:([A-Za-z0-9+/]{4})*([A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=)?$'
-    then convert_from(decode(substr(application_name, 5), 'base64'), 'UTF8')
-    else application_name end)::varchar(128) as "APPLICATION_NAME", pid::bigint as "PROCESS_ID"
+  )" + PostgresProgramName().toUtf8() +
+        R"(::varchar(128) as "APPLICATION_NAME", pid::bigint as "PROCESS_ID"
 from pg_catalog.pg_stat_activity where datname = current_database() and backend_type = 'client backend'
 order by pid)";
+    return text.constData();
+}
 
 TOdbcTarget ReadAddress(const QString &dataSource)
 {
@@ -121,8 +128,11 @@ QString SessionSql(const TOdbcTarget &target, const TSqlConnectOptions &options)
         sql += u';';
     // NOTE: floats are sent as digits; fewer would lose some of a float's bits.
     sql += u"set extra_float_digits = 1; set application_name = "_s +
-           PostgresLiteral(PostgresApplicationName(target.ApplicationName));
-    sql += u"; set lock_timeout = "_s + PostgresLiteral(QString::number(options.CommandTimeout) + u's');
+           PostgresText(PostgresApplicationName(target.ApplicationName));
+    // NOTE: 0 would wait for ever.
+    const int timeout = options.CommandTimeout;
+    sql +=
+        u"; set lock_timeout = "_s + PostgresText(timeout > 0 ? QString::number(timeout) + u's' : u"1ms"_s);
     if (IsReadOnly(options))
         sql += u"; set default_transaction_read_only = on"_s;
     return sql;
@@ -168,31 +178,29 @@ QString RowCount(qint64 count) { return QString::fromUtf8(RowCountSql(count)); }
 QStringList CreateDatabaseSql(const QString &name)
 {
     const QString kept = PostgresDatabaseName(name);
-    return {u"create database "_s + PostgresQuotedName(kept) +
+    return {u"create database "_s + QuotedSqlName(kept) +
                 u" template template0 encoding 'UTF8' lc_collate 'C' lc_ctype 'C'"_s,
-            u"do $made$ begin execute format('comment on database %I is %L', "_s + PostgresLiteral(kept) +
-                u", to_char(localtimestamp, 'YYYY-MM-DD HH24:MI:SS')); end $made$"_s};
+            u"do "_s +
+                PostgresText(u"begin execute format('comment on database %I is %L', "_s + PostgresText(kept) +
+                             u", to_char(localtimestamp, 'YYYY-MM-DD HH24:MI:SS')); end"_s)};
 }
 
 QStringList DropDatabaseSql(const QString &name)
 {
-    return {u"drop database "_s + PostgresQuotedName(PostgresDatabaseName(name))};
+    return {u"drop database "_s + QuotedSqlName(PostgresDatabaseName(name))};
 }
 
 } // namespace
 
 QString PostgresDatabaseName(const QString &name)
 {
+    CheckPostgresName(name);
     return name.compare("master"_L1, Qt::CaseInsensitive) == 0 ? u"postgres"_s : name;
 }
 
-QString PostgresLiteral(QString text) { return u'\'' + text.replace(u'\'', "''"_L1) + u'\''; }
-
-QString PostgresQuotedName(QString name) { return u'"' + name.replace(u'"', "\"\""_L1) + u'"'; }
-
 QString PostgresRenameSql(const QString &from, const QString &to)
 {
-    return u"alter database "_s + PostgresQuotedName(from) + u" rename to "_s + PostgresQuotedName(to);
+    return u"alter database "_s + QuotedSqlName(from) + u" rename to "_s + QuotedSqlName(to);
 }
 
 QString PostgresApplicationName(const QString &name)
@@ -226,35 +234,34 @@ TPostgresAddress PostgresAddressOf(const QString &dataSource)
 
 const TOdbcServer &PostgresOverOdbc()
 {
-    static const TOdbcServer server = [] {
-        TOdbcServer s;
-        s.Title = u"PostgreSQL"_s;
-        s.Package = u"odbc-postgresql"_s;
-        s.Drivers = {{u"PostgreSQL Unicode.*"_s, u"psqlodbcw.so"_s, Parts}};
-        s.ServerDatabase = u"postgres"_s;
-        s.Utf8Types = {u"varchar"_s, u"text"_s, u"char"_s, u"bpchar"_s};
-        s.ComputedTextsAreUnlimited = true;
-        s.KeepsStepsTogether = true;
-        s.NoiseBehindErrors = u"\nError while executing the query"_s;
-        s.Sentences = Sentences;
-        s.ReadAddress = ReadAddress;
-        s.DatabaseName = PostgresDatabaseName;
-        s.SessionSql = SessionSql;
-        s.IsReadOnly = IsReadOnly;
-        s.IsPreparedSql = IsPreparedSql;
-        s.PrepareSql = PrepareSql;
-        s.Rewrite = Rewrite;
-        s.RowCountSql = RowCount;
-        s.CreateDatabaseSql = CreateDatabaseSql;
-        s.DropDatabaseSql = DropDatabaseSql;
-        s.Backup = BackupPostgres;
-        s.Restore = RestorePostgres;
-        s.TablesSql = TablesText;
-        s.ColumnsSql = ColumnsText;
-        s.IndexesSql = IndexesText;
-        s.UsersSql = UsersText;
-        return s;
-    }();
+    static const TOdbcServer server{
+        .Title = u"PostgreSQL"_s,
+        .Package = u"odbc-postgresql"_s,
+        .Drivers = {{u"PostgreSQL Unicode.*"_s, u"psqlodbcw.so"_s, Parts}},
+        .ServerDatabase = u"postgres"_s,
+        .Utf8Types = {u"varchar"_s, u"text"_s, u"char"_s, u"bpchar"_s},
+        .ComputedTextsAreUnlimited = true,
+        .TextsEndAtNul = true,
+        .KeepsStepsTogether = true,
+        .NoiseBehindErrors = u"\nError while executing the query"_s,
+        .Sentences = Sentences,
+        .ReadAddress = ReadAddress,
+        .DatabaseName = PostgresDatabaseName,
+        .SessionSql = SessionSql,
+        .IsReadOnly = IsReadOnly,
+        .IsPreparedSql = IsPreparedSql,
+        .PrepareSql = PrepareSql,
+        .Rewrite = Rewrite,
+        .RowCountSql = RowCount,
+        .CreateDatabaseSql = CreateDatabaseSql,
+        .DropDatabaseSql = DropDatabaseSql,
+        .Backup = BackupPostgres,
+        .Restore = RestorePostgres,
+        .TablesSql = TablesText,
+        .ColumnsSql = ColumnsText,
+        .IndexesSql = IndexesText,
+        .UsersSql = UsersText(),
+    };
     return server;
 }
 

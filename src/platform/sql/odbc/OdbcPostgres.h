@@ -6,16 +6,15 @@
 namespace Korvane {
 
 /// The name of a database on a PostgreSQL server: as it is, but that "postgres" is what the MSSQL
-/// dialect calls "master". NOTE: there capital letters count.
+/// dialect calls "master". Raises ESqlError for a name that is longer than the server keeps. NOTE: there
+/// capital letters count.
 QString PostgresDatabaseName(const QString &name);
 
 /// The name of an application as a PostgreSQL session can carry it, which is up to 63 characters
 /// of ASCII: any other is "b64:" and the base64 of its UTF-8, cut to 14 Chinese characters.
 QString PostgresApplicationName(const QString &name);
 
-// What a statement of the server's own language is made of.
-QString PostgresLiteral(QString text);
-QString PostgresQuotedName(QString name);
+/// A statement that gives a database another name.
 QString PostgresRenameSql(const QString &from, const QString &to);
 
 struct TOdbcCopyCall;

@@ -19,6 +19,7 @@ constexpr size_t MostBlockRows = 2000;
 constexpr size_t FirstPieceSize = 4 * 1024;
 constexpr size_t PieceSize = 256 * 1024;
 constexpr size_t DecimalRoom = 64;
+constexpr size_t TimeRoom = 32;
 
 /// A result may name two columns alike: later ones get "_1", "_2" … behind the name.
 QString UniqueName(const QString &name, QSet<QString> &taken)
@@ -105,11 +106,19 @@ std::optional<double> DateDays(const char *place)
     return DaysOf(QDate(value.year, value.month, value.day), QTime(0, 0));
 }
 
-std::optional<double> TimeDays(const char *place)
+/// "23:59:58.123". NOTE: ODBC's own structure of a time has no place for what is below a second.
+std::optional<double> TimeDays(std::string_view text)
 {
-    SQL_TIME_STRUCT value;
-    std::memcpy(&value, place, sizeof value);
-    const QTime time(value.hour, value.minute, value.second);
+    const auto number = [text](size_t at, size_t count) {
+        int value = -1;
+        if (at + count <= text.size())
+            std::from_chars(text.data() + at, text.data() + at + count, value);
+        return value;
+    };
+    int msec = 0;
+    for (size_t i = 9, unit = 100; i < text.size() && unit > 0; ++i, unit /= 10)
+        msec += std::max(number(i, 1), 0) * int(unit);
+    const QTime time(number(0, 2), number(3, 2), number(6, 2), msec);
     if (!time.isValid())
         return std::nullopt;
     return TDateTime(time).Days();
@@ -222,7 +231,9 @@ void TOdbcReader::ChooseCell(TColumn &column, int number, SQLSMALLINT type, SQLU
     case SQL_TYPE_DATE:
         return choose(TCell::Date, SQL_C_TYPE_DATE, sizeof(SQL_DATE_STRUCT), ftDate);
     case SQL_TYPE_TIME:
-        return choose(TCell::Time, SQL_C_TYPE_TIME, sizeof(SQL_TIME_STRUCT), ftTime);
+        choose(TCell::Time, SQL_C_CHAR, TimeRoom, ftTime);
+        column.Room = TimeRoom - 1;
+        return;
     case SQL_BINARY:
     case SQL_VARBINARY:
     case SQL_LONGVARBINARY:
@@ -347,7 +358,7 @@ void TOdbcReader::AppendBound(TDataPacketBuilder &builder, int field, const char
     case TCell::Date:
         return appendDays(DateDays(place));
     case TCell::Time:
-        return appendDays(TimeDays(place));
+        return appendDays(TimeDays({place, size_t(length)}));
     }
 }
 

@@ -93,6 +93,8 @@ struct TOdbcServer
     /// A text column of unlimited length is a memo only where it is a column of a table: any
     /// computed text is of that type, too.
     bool ComputedTextsAreUnlimited = false;
+    /// Texts hold no NUL: the driver would cut one off there.
+    bool TextsEndAtNul = false;
     /// Steps of one statement are done as a whole or not at all.
     bool KeepsStepsTogether = false;
     /// What the driver adds behind the server's words.

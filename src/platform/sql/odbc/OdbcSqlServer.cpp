@@ -125,26 +125,24 @@ QStringList DropDatabaseSql(const QString &name) { return {u"drop database "_s +
 
 const TOdbcServer &SqlServerOverOdbc()
 {
-    static const TOdbcServer server = [] {
-        TOdbcServer s;
-        s.Title = u"SQL Server"_s;
-        s.Package = u"tdsodbc"_s;
-        s.Drivers = {{u"ODBC Driver \\d+ for SQL Server"_s, {}, VendorParts},
-                     {u"FreeTDS.*"_s, u"libtdsodbc.so"_s, FreeTdsParts}};
-        s.ServerDatabase = u"master"_s;
-        s.ReadAddress = ReadAddress;
-        s.DatabaseName = AsItIs;
-        s.SessionSql = SessionSql;
-        s.IsReadOnly = IsReadOnly;
-        s.Rewrite = Unchanged;
-        s.CreateDatabaseSql = CreateDatabaseSql;
-        s.DropDatabaseSql = DropDatabaseSql;
-        s.TablesSql = TablesText;
-        s.ColumnsSql = ColumnsText;
-        s.IndexesSql = IndexesText;
-        s.UsersSql = UsersText;
-        return s;
-    }();
+    static const TOdbcServer server{
+        .Title = u"SQL Server"_s,
+        .Package = u"tdsodbc"_s,
+        .Drivers = {{u"ODBC Driver \\d+ for SQL Server"_s, {}, VendorParts},
+                    {u"FreeTDS.*"_s, u"libtdsodbc.so"_s, FreeTdsParts}},
+        .ServerDatabase = u"master"_s,
+        .ReadAddress = ReadAddress,
+        .DatabaseName = AsItIs,
+        .SessionSql = SessionSql,
+        .IsReadOnly = IsReadOnly,
+        .Rewrite = Unchanged,
+        .CreateDatabaseSql = CreateDatabaseSql,
+        .DropDatabaseSql = DropDatabaseSql,
+        .TablesSql = TablesText,
+        .ColumnsSql = ColumnsText,
+        .IndexesSql = IndexesText,
+        .UsersSql = UsersText,
+    };
     return server;
 }
 

@@ -45,21 +45,33 @@ QString Databases()
     return text;
 }
 
-/// NOTE: the engine takes names of programs in ASCII alone; the driver writes others in base64.
 QString Processes()
 {
     return u"(select pid as \"SPID\", cast(datid as bigint) as \"DBID\", cast(backend_start as timestamp(3)) "
            "as \"LOGIN_TIME\", cast(coalesce(client_hostname, host(client_addr), '') as varchar(128)) as "
-           "\"HOSTNAME\", cast(case when application_name ~ '^b64:([A-Za-z0-9+/]{4})*"
-           "([A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=){0,1}$' then "
-           "convert_from(decode(substr(application_name, 5), 'base64'), 'UTF8') else application_name end as "
-           "varchar(128)) as \"PROGRAM_NAME\", "
+           "\"HOSTNAME\", cast("_s +
+           PostgresProgramName() +
+           u" as varchar(128)) as \"PROGRAM_NAME\", "
            "cast(coalesce(client_port, 0) as varchar(10)) as \"HOSTPROCESS\", cast(usename as varchar(128)) "
            "as "
            "\"LOGINAME\" from pg_stat_activity where backend_type='client backend')"_s;
 }
 
 } // namespace
+
+/// NOTE: anyone may call his program anything: what is no base64 of UTF-8 stays as it is.
+QString PostgresProgramName()
+{
+    static const QString bytes = u"decode(substr(application_name, 5), 'base64')"_s;
+    static const QString next = u"[89ab][0-9a-f]"_s;
+    static const QString utf8 =
+        u"^(0[1-9a-f]|[1-7][0-9a-f]|(c[2-9a-f]|d[0-9a-f])N|e0[ab][0-9a-f]N|e[1-9abcef]NN|ed[89][0-9a-f]N"
+        "|f0[9ab][0-9a-f]NN|f[123]NNN|f48[0-9a-f]NN)*$"_s.replace(u'N', next);
+    return u"(case when application_name !~ "
+           u"'^b64:([A-Za-z0-9+/]{4})*([A-Za-z0-9+/]{2}==|[A-Za-z0-9+/]{3}=){0,1}$' "
+           "then application_name when encode(%1, 'hex') ~ '%2' then convert_from(%1, 'UTF8') "
+           "else application_name end)"_s.arg(bytes, utf8);
+}
 
 QString PostgresCatalogTable(const QString &name)
 {

@@ -9,4 +9,8 @@ namespace Korvane {
 /// "sysdatabases" or "sysprocesses". Its columns are written in capitals.
 QString PostgresCatalogTable(const QString &name);
 
+/// The name of a session's program in pg_stat_activity, as the driver was told it: the engine takes ASCII
+/// alone, the driver writes other names in base64.
+QString PostgresProgramName();
+
 } // namespace Korvane

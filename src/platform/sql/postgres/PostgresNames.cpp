@@ -28,11 +28,16 @@ QString Capitals(QString name)
 
 } // namespace
 
-QString PostgresName(const QString &name)
+void CheckPostgresName(const QString &name)
 {
     // A letter takes three bytes at most.
     if (name.size() * 3 > MaxNameBytes && name.toUtf8().size() > MaxNameBytes)
         throw ESqlError(u"名称“%1”太长：PostgreSQL 的名称最多 %2 个字节"_s.arg(name).arg(MaxNameBytes));
+}
+
+QString PostgresName(const QString &name)
+{
+    CheckPostgresName(name);
     return Capitals(name);
 }
 
@@ -44,7 +49,7 @@ QString JoinedPostgresName(const QString &name)
     if (capitals.toUtf8().size() > MaxNameBytes) {
         const QByteArray hash = QCryptographicHash::hash(capitals.toUtf8(), QCryptographicHash::Sha1).toHex();
         while (capitals.toUtf8().size() > MaxNameBytes - 13)
-            capitals.chop(1);
+            capitals.chop(capitals.back().isLowSurrogate() ? 2 : 1);
         capitals += u'.' + QString::fromLatin1(hash.left(12));
     }
     return QuotedSqlName(capitals);

@@ -5,6 +5,9 @@
 
 namespace Korvane {
 
+/// Raises ESqlError for a name that the engine would cut off.
+void CheckPostgresName(const QString &name);
+
 /// The name between double quotes, as PostgreSQL knows it: PostgresName of it.
 QString QuotedPostgresName(const QString &name);
 

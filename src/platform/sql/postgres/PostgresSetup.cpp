@@ -419,18 +419,22 @@ QByteArray PostgresSessionSql()
            "set client_min_messages to warning; set korvane.rowcount to '0'";
 }
 
+/// NOTE: an archive is brought back without rights; the owner of the schema gives them to all again.
 QByteArray PostgresIsPreparedSql()
 {
-    return "select case when cast(substring(obj_description(to_regnamespace('korvane'), 'pg_namespace') from "
-           "'^Korvane ([0-9]+)$') as integer) >= " +
-           QByteArray::number(Version) + " then 1 else 0 end";
+    return "select case when cast(substring(obj_description(oid, 'pg_namespace') from '^Korvane ([0-9]+)$') "
+           "as integer) >= " +
+           QByteArray::number(Version) +
+           " and (has_schema_privilege('public', oid, 'usage') or not pg_has_role(nspowner, 'usage')) "
+           "then 1 else 0 end from pg_namespace where nspname = 'korvane'";
 }
 
 QByteArray PostgresPrepareSql()
 {
-    QByteArray sql =
-        "set local search_path to korvane, pg_catalog; set local client_min_messages to warning; "
-        "select pg_advisory_xact_lock(hashtext('korvane'));\n";
+    // A session that only reads may be the first in a database, too.
+    QByteArray sql = "set transaction read write; set local search_path to korvane, pg_catalog; set local "
+                     "client_min_messages to warning; "
+                     "select pg_advisory_xact_lock(hashtext('korvane'));\n";
     for (const char *part :
          {Schema, TextFunctions, NumberFunctions, DateFunctions, TextConversions, Operators, Schemas})
         sql += part;
