@@ -139,6 +139,14 @@ qsizetype TDataSet::RecNo() const
     return Active() && FState != dsInsert && RecordCount() > 0 ? FPosition + 1 : 0;
 }
 
+qsizetype TDataSet::InsertPosition() const
+{
+    if (FState != dsInsert)
+        return -1;
+    const qsizetype place = FInsertBefore == NoRecord ? -1 : PositionOf(FInsertBefore);
+    return place < 0 ? RecordCount() : place;
+}
+
 void TDataSet::SetRecNo(qsizetype number)
 {
     CheckBrowseMode();
@@ -207,8 +215,20 @@ TBookmark TDataSet::GetBookmark() const
 
 bool TDataSet::BookmarkValid(const TBookmark &bookmark) const
 {
-    return Active() && !bookmark.IsNull() && bookmark.Data() == DataNumber() &&
-           PositionOf(bookmark.Record()) >= 0;
+    return PlaceOf(bookmark) >= 0;
+}
+
+TBookmark TDataSet::BookmarkAt(qsizetype place) const
+{
+    if (!Active() || place < 0 || place >= RecordCount())
+        return {};
+    return TBookmark(DataNumber(), RecordAt(place));
+}
+
+qsizetype TDataSet::PlaceOf(const TBookmark &bookmark) const
+{
+    const bool isOurs = Active() && !bookmark.IsNull() && bookmark.Data() == DataNumber();
+    return isOurs ? PositionOf(bookmark.Record()) : -1;
 }
 
 void TDataSet::GotoBookmark(const TBookmark &bookmark)
@@ -219,7 +239,7 @@ void TDataSet::GotoBookmark(const TBookmark &bookmark)
     if (!BookmarkValid(bookmark))
         Fail(QStringLiteral("书签所指的记录没有找到"));
     DoBeforeScroll();
-    SetPosition(PositionOf(bookmark.Record()));
+    SetPosition(PlaceOf(bookmark));
     Notify(deDataSetChange);
     DoAfterScroll();
 }

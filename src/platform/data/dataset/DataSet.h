@@ -108,6 +108,9 @@ public:
     bool Eof() const { return FEof; }
     /// From 1; 0 on an empty set and for a new row.
     qsizetype RecNo() const;
+    /// Where a row being inserted stands among those shown: before the one at this place, from 0, or
+    /// at the end for RecordCount(). -1 unless inserting.
+    qsizetype InsertPosition() const;
     /// Moves to a row by number, from 1. Raises EDatabaseError outside.
     void SetRecNo(qsizetype number);
     void First();
@@ -132,6 +135,10 @@ public:
     /// Raises EDatabaseError when the row is not among those shown.
     void GotoBookmark(const TBookmark &bookmark);
     bool BookmarkValid(const TBookmark &bookmark) const;
+    /// Of the record at a place among those shown, from 0; null outside.
+    TBookmark BookmarkAt(qsizetype place) const;
+    /// The place of a bookmark's record among those shown, from 0; -1 if it is not there.
+    qsizetype PlaceOf(const TBookmark &bookmark) const;
     /// For programs that pair it with GetBookmark; there is nothing to free.
     void FreeBookmark(const TBookmark &) {}
 
