@@ -11,16 +11,32 @@ namespace Korvane {
 enum TMessageFlag {
     MB_OK = 0,
     MB_OKCANCEL = 1,
+    MB_ABORTRETRYIGNORE = 2,
+    MB_YESNOCANCEL = 3,
     MB_YESNO = 4,
+    MB_RETRYCANCEL = 5,
     MB_ICONERROR = 0x10,
     MB_ICONQUESTION = 0x20,
+    MB_ICONWARNING = 0x30,
     MB_ICONINFORMATION = 0x40,
-    MB_DEFBUTTON2 = 256
+    MB_DEFBUTTON2 = 256,
+    MB_DEFBUTTON3 = 512,
+    MB_TOPMOST = 0x40000 ///< the box stays above all windows
 };
-inline constexpr int MB_BUTTONS = 0x0F; ///< the part of the flags that is the button set
+inline constexpr int MB_BUTTONS = 0x0F;          ///< the part of the flags that is the button set
+inline constexpr int MB_ICONS = 0xF0;            ///< the part that is the symbol
+inline constexpr int MB_DEFAULT_BUTTONS = 0xF00; ///< the part that is the default button
 
 /// Answers of a message box.
-enum TMessageAnswer { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
+enum TMessageAnswer {
+    IDOK = 1,
+    IDCANCEL = 2,
+    IDABORT = 3,
+    IDRETRY = 4,
+    IDIGNORE = 5,
+    IDYES = 6,
+    IDNO = 7
+};
 
 /// How the library talks to the person at the machine. Without a window this is the console; the
 /// windowed form and tests install their own.
