@@ -1,0 +1,648 @@
+// SPDX-License-Identifier: MIT
+#include "platform/controls/DBGrid.h"
+
+#include "platform/controls/DataSetRows.h"
+#include "platform/controls/GridEditing.h"
+#include "platform/controls/GridPainter.h"
+#include "platform/controls/GridTitles.h"
+#include "platform/controls/GridTotals.h"
+#include "platform/core/Exceptions.h"
+#include "platform/data/dataset/ClientDataSet.h"
+#include "platform/data/dataset/Fields.h"
+#include "platform/graphics/ImageList.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScopeGuard>
+#include <QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+namespace Korvane {
+
+namespace {
+
+constexpr int CellMargin = 4; ///< left and right of a text, the line beside it included
+
+/// How a client dataset is ordered, when it is by this field alone.
+std::optional<Qt::SortOrder> SortOrderOf(const TField &field)
+{
+    const auto *dataSet = qobject_cast<const TCustomClientDataSet *>(field.DataSet());
+    if (!dataSet)
+        return {};
+    const auto isField = [&](const QString &names) {
+        return names.compare(field.FieldName(), Qt::CaseInsensitive) == 0;
+    };
+    if (isField(dataSet->IndexFieldNames()))
+        return Qt::AscendingOrder;
+    const TIndexDef *index = dataSet->IndexName().isEmpty() ? nullptr : dataSet->FindIndex(dataSet->IndexName());
+    if (!index || !isField(index->Fields))
+        return {};
+    const bool goesDown = index->Options.testFlag(ixDescending) || isField(index->DescFields);
+    return goesDown ? Qt::DescendingOrder : Qt::AscendingOrder;
+}
+
+} // namespace
+
+TwwDBGrid::TwwDBGrid(QWidget *parent)
+    : QAbstractScrollArea(parent), FEditing(std::make_unique<TGridEditing>(*this)),
+      FTitles(std::make_unique<TGridTitles>(*this)), FTotals(std::make_unique<TGridTotals>())
+{
+    FDateControl.Kind = ckDate;
+    FMemoControl.Kind = ckMemo;
+    setFocusPolicy(Qt::WheelFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    viewport()->setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    MeasureText();
+}
+
+TwwDBGrid::~TwwDBGrid()
+{
+    FEditing.reset(); // from here on the link does nothing
+}
+
+// ---- the data link --------------------------------------------------------------------
+
+void TwwDBGrid::TLink::ActiveChanged()
+{
+    if (!FGrid.FEditing) // the grid is going
+        return;
+    FGrid.FEditing->Close();
+    FGrid.FBlockEnd = {};
+    FGrid.FFailure.clear();
+    if (!Active()) {
+        FGrid.FLayout.TopRow = 0;
+        FGrid.FLayout.Offset = 0;
+    }
+    FGrid.LinkActive(Active());
+    FGrid.RowsChanged();
+}
+
+void TwwDBGrid::TLink::EditingChanged()
+{
+    if (!FGrid.FEditing)
+        return;
+    if (!Editing())
+        FGrid.FEditing->Close();
+    FGrid.RowsChanged();
+}
+
+void TwwDBGrid::TLink::RecordChanged(TField *field)
+{
+    if (!FGrid.FEditing)
+        return;
+    if (!field || field == FGrid.FEditing->Field())
+        FGrid.FEditing->Reload();
+    FGrid.FTotals->Forget();
+    FGrid.viewport()->update();
+}
+
+void TwwDBGrid::TLink::DataSetChanged()
+{
+    if (!FGrid.FEditing)
+        return;
+    FGrid.FTotals->Forget();
+    FGrid.FBlockEnd = {};
+    FGrid.RowsChanged();
+}
+
+void TwwDBGrid::TLink::DataSetScrolled(qsizetype)
+{
+    if (!FGrid.FEditing)
+        return;
+    FGrid.FEditing->Close();
+    FGrid.FBlockEnd = {};
+    FGrid.RowsChanged();
+    FGrid.OnRowChanged(&FGrid);
+}
+
+void TwwDBGrid::TLink::LayoutChanged()
+{
+    if (!FGrid.FEditing)
+        return;
+    FGrid.FEditing->Close();
+    FGrid.LinkActive(Active());
+    FGrid.RowsChanged();
+}
+
+void TwwDBGrid::TLink::UpdateData()
+{
+    if (FGrid.FEditing)
+        FGrid.FEditing->Store();
+}
+
+void TwwDBGrid::TLink::FocusControl(TField *field)
+{
+    for (int column = 0; FGrid.FEditing && column < FGrid.ColumnCount(); ++column)
+        if (FGrid.Columns(column)->Field() == field) {
+            FGrid.SetSelectedIndex(column);
+            FGrid.setFocus();
+            return;
+        }
+}
+
+TDataSetRows TwwDBGrid::Rows() const { return TDataSetRows(FLink.Active() ? FLink.DataSet() : nullptr); }
+
+void TwwDBGrid::RowsChanged()
+{
+    const TDataSetRows rows = Rows();
+    FLayout.RowCount = rows.Count();
+    FLayout.TopRow = FLayout.TopRowFor(rows.Current());
+    UpdateScrollBars();
+    UpdateCurrent();
+}
+
+void TwwDBGrid::UpdateCurrent()
+{
+    if (IsUpdating())
+        return;
+    FEditing->UpdateCustomControl();
+    if (hasFocus())
+        QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImCursorRectangle);
+    viewport()->update();
+}
+
+// ---- columns --------------------------------------------------------------------------
+
+void TwwDBGrid::LinkActive(bool) { ApplySelected(); }
+
+TField *TwwDBGrid::FieldOfColumn(const QString &name) const { return DataSet()->FindField(name); }
+
+void TwwDBGrid::SetSelected(const QStringList &lines)
+{
+    FSelected = lines;
+    ApplySelected();
+}
+
+void TwwDBGrid::SetControlType(const QStringList &lines)
+{
+    FControlType = lines;
+    ApplySelected();
+}
+
+void TwwDBGrid::EndUpdate(bool repaint)
+{
+    if (FUpdateCount == 0 || --FUpdateCount > 0)
+        return;
+    ApplySelected();
+    if (repaint)
+        viewport()->repaint();
+}
+
+void TwwDBGrid::ApplySelected()
+{
+    if (IsUpdating() || FIsBuilding)
+        return;
+    FEditing->Close();
+    FIsBuilding = true;
+    const auto end = qScopeGuard([this] {
+        FIsBuilding = false;
+        ColumnsChanged();
+    });
+    FControls = TControlTable(FControlType);
+    FTotals->Forget();
+    if (!FLink.Active())
+        return FColumns.Clear();
+    QStringList lines = FSelected;
+    if (lines.isEmpty())
+        for (const TField *field : DataSet()->Fields())
+            if (field->Visible())
+                lines += TSelectedLine{field->FieldName()}.ToText();
+    FColumns.Build(*this, lines, [this](const QString &name) { return FieldOfColumn(name); });
+}
+
+void TwwDBGrid::ColumnsChanged()
+{
+    if (FIsBuilding)
+        return;
+    FTotals->Forget();
+    FColumns.UpdateShown();
+    FColumn = qBound(0, FColumn, qMax(0, ColumnCount() - 1));
+    if (FBlockEnd.Column >= ColumnCount())
+        FBlockEnd = {};
+    UpdateLayout();
+}
+
+void TwwDBGrid::MoveColumn(int from, int to)
+{
+    if (from < 0 || from >= ColumnCount() || to < 0 || to > ColumnCount())
+        throw EListError(u"没有第%1列"_s.arg(qMax(from, to) + 1));
+    CommitEdit();
+    const TwwColumn *current = ColumnCount() > 0 ? Columns(FColumn) : nullptr;
+    FColumns.Move(from, to);
+    FColumns.KeepLayout();
+    FColumn = qMax(0, FColumns.IndexOf(current));
+    FBlockEnd = {};
+    UpdateLayout();
+    OnColumnsMoved(this);
+}
+
+void TwwDBGrid::AutoSizeColumn(int index)
+{
+    if (index < 0 || index >= ColumnCount())
+        throw EListError(u"没有第%1列"_s.arg(index + 1));
+    TwwColumn &column = *Columns(index);
+    const QFontMetrics metrics(font());
+    int width = metrics.horizontalAdvance(column.DisplayLabel());
+    const TImageList *images = TitleImageList();
+    TTitleImageAttributes attributes;
+    DoCalcTitleImage(column.Field(), attributes);
+    if (images && attributes.ImageIndex >= 0)
+        width += images->Width() + CellMargin;
+    const TDataSetRows rows = Rows();
+    for (qsizetype row = FLayout.TopRow; column.Field() && row < FLayout.EndRow(); ++row) {
+        const TDataSetRows::TReading reading(rows, row);
+        width = qMax(width, metrics.horizontalAdvance(CellText(column)));
+    }
+    width = qMax(width, metrics.horizontalAdvance(FooterText(index)));
+    column.SetDisplayWidth(CharactersOf(width + 2 * CellMargin + 2));
+}
+
+void TwwDBGrid::RestoreLayout(const QString &text)
+{
+    CommitEdit();
+    FColumns.RestoreLayout(text);
+    ColumnsChanged();
+}
+
+void TwwDBGrid::ResetLayout()
+{
+    CommitEdit();
+    FColumns.ForgetLayout();
+    ApplySelected();
+}
+
+const TCellControl &TwwDBGrid::ControlOf(const TwwColumn &column) const
+{
+    if (const TCellControl *control = FControls.Find(column.FieldName()))
+        return *control;
+    TField *field = column.Field();
+    if (field && IsDateField(field) && !FEditControlOptions.testFlag(ecoDisableDateTimePicker))
+        return FDateControl;
+    if (field && (field->DataType() == ftMemo || field->DataType() == ftFmtMemo))
+        return FMemoControl;
+    return FTextControl;
+}
+
+QWidget *TwwDBGrid::FindControl(const QString &name) const
+{
+    return name.isEmpty() ? nullptr : window()->findChild<QWidget *>(name);
+}
+
+QString TwwDBGrid::CellText(const TwwColumn &column) const
+{
+    const TField &field = *column.Field();
+    const TCellControl &control = ControlOf(column);
+    if (control.Kind == ckMemo && FMemoAttributes.testFlag(mGridShow)) {
+        const QString text = field.AsString();
+        return FRowLines > 1 ? text : text.simplified();
+    }
+    const QString text = field.DisplayText();
+    const qsizetype item = control.Stored.indexOf(text);
+    return item < 0 ? text : control.Shown[item];
+}
+
+QString TwwDBGrid::FooterText(int column) const { return FTotals->TextOf(*Columns(column), DataSet()); }
+
+TFooterKind TwwDBGrid::FooterKind(const QString &fieldName) const { return FTotals->Kind(fieldName); }
+
+void TwwDBGrid::SetFooterKind(const QString &fieldName, TFooterKind kind)
+{
+    FTotals->SetKind(fieldName, kind);
+    FTotals->Forget();
+    viewport()->update();
+}
+
+QString TwwDBGrid::FooterValue(const QString &fieldName) const { return FTotals->Value(fieldName); }
+
+void TwwDBGrid::SetFooterValue(const QString &fieldName, const QString &text)
+{
+    FTotals->SetValue(fieldName, text);
+    viewport()->update();
+}
+
+// ---- properties -----------------------------------------------------------------------
+
+void TwwDBGrid::SetOptions(TwwDBGridOptions options)
+{
+    FOptions = options;
+    UpdateLayout();
+}
+
+void TwwDBGrid::SetwwMemoAttributes(TwwMemoAttributes attributes)
+{
+    FMemoAttributes = attributes;
+    viewport()->update();
+}
+
+void TwwDBGrid::SetPaintOptions(const TwwPaintOptions &options)
+{
+    FPaintOptions = options;
+    viewport()->update();
+}
+
+void TwwDBGrid::SetReadOnly(bool readOnly)
+{
+    if (readOnly)
+        CommitEdit();
+    WriteReadOnly(readOnly);
+}
+
+void TwwDBGrid::WriteReadOnly(bool readOnly)
+{
+    FReadOnly = readOnly;
+    UpdateCurrent();
+}
+
+void TwwDBGrid::SetTitleButtons(bool buttons)
+{
+    FTitleButtons = buttons;
+    viewport()->update();
+}
+
+TImageList *TwwDBGrid::TitleImageList() const { return qobject_cast<TImageList *>(FTitleImageList.data()); }
+
+void TwwDBGrid::SetTitleImageList(TImageList *images)
+{
+    FTitleImageList = images;
+    viewport()->update();
+}
+
+void TwwDBGrid::SetFixedCols(int count)
+{
+    FLayout.FrozenCount = qMax(0, count);
+    UpdateLayout();
+}
+
+void TwwDBGrid::SetRowLines(int lines)
+{
+    FRowLines = qBound(1, lines, 20);
+    UpdateLayout();
+}
+
+// ---- geometry -------------------------------------------------------------------------
+
+QSize TwwDBGrid::sizeHint() const { return {PixelsOf(60), FLayout.TitleHeight + 10 * FLayout.RowHeight}; }
+
+int TwwDBGrid::PixelsOf(double characters) const { return qRound(characters * FCharWidth) + 2 * CellMargin; }
+
+double TwwDBGrid::CharactersOf(int pixels) const { return qMax(0.1, (pixels - 2 * CellMargin) / FCharWidth); }
+
+int TwwDBGrid::RowHeights(qsizetype) const { return FLayout.RowHeight; }
+
+void TwwDBGrid::MeasureText()
+{
+    FCharWidth = qMax<double>(4, QFontMetricsF(font()).horizontalAdvance(u'0'));
+    UpdateLayout();
+}
+
+void TwwDBGrid::UpdateLayout()
+{
+    const QFontMetrics metrics(font());
+    const int line = metrics.height();
+    FLayout.RowHeight = FRowLines * line + 6;
+    FLayout.TitleHeight = FOptions.testFlag(dgTitles) ? line + 10 : 0;
+    FLayout.FooterHeight = FOptions.testFlag(dgShowFooter) ? line + 8 : 0;
+    FLayout.IndicatorWidth = FOptions.testFlag(dgIndicator) ? qMax(16, line) : 0;
+    std::vector<int> widths;
+    for (int column = 0; column < ColumnCount(); ++column)
+        widths.push_back(PixelsOf(Columns(column)->DisplayWidth()));
+    FLayout.SetWidths(widths);
+    FLayout.Size = viewport()->size();
+    UpdateScrollBars();
+    UpdateCurrent();
+}
+
+void TwwDBGrid::UpdateScrollBars()
+{
+    FLayout.Clamp();
+    const QSignalBlocker vertical(verticalScrollBar()), horizontal(horizontalScrollBar());
+    // A bar counts in ints; more rows than that are beyond any dataset in memory.
+    verticalScrollBar()->setRange(0, int(FLayout.LastTopRow()));
+    verticalScrollBar()->setPageStep(FLayout.FullRows());
+    verticalScrollBar()->setValue(int(FLayout.TopRow));
+    horizontalScrollBar()->setRange(0, FLayout.LastOffset());
+    horizontalScrollBar()->setPageStep(qMax(1, FLayout.ScrollingArea().width()));
+    horizontalScrollBar()->setSingleStep(qMax(1, qRound(FCharWidth * 3)));
+    horizontalScrollBar()->setValue(FLayout.Offset);
+}
+
+void TwwDBGrid::ScrollTo(qsizetype topRow, int offset)
+{
+    FLayout.TopRow = topRow;
+    FLayout.Offset = offset;
+    UpdateScrollBars();
+    FEditing->Place();
+    viewport()->update();
+}
+
+void TwwDBGrid::ShowCurrentCell()
+{
+    const TGridCell cell = CurrentCell();
+    if (!cell.IsNull())
+        ScrollTo(FLayout.TopRowFor(cell.Row), FLayout.OffsetFor(cell.Column));
+}
+
+void TwwDBGrid::scrollContentsBy(int, int)
+{
+    ScrollTo(verticalScrollBar()->value(), horizontalScrollBar()->value());
+}
+
+void TwwDBGrid::resizeEvent(QResizeEvent *)
+{
+    FLayout.Size = viewport()->size();
+    UpdateScrollBars();
+    FEditing->Place();
+}
+
+void TwwDBGrid::changeEvent(QEvent *event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        MeasureText();
+}
+
+void TwwDBGrid::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    painter.setClipRegion(event->region());
+    try {
+        if (FOptions.testFlag(dgShowFooter) && OnUpdateFooter)
+            OnUpdateFooter(this);
+        TGridPainter(*this, painter).Paint();
+    } catch (const EAbort &) {
+    } catch (const Exception &error) {
+        ShowFailure(error.Message());
+    } catch (const std::exception &error) {
+        ShowFailure(QString::fromUtf8(error.what()));
+    }
+}
+
+/// What a handler raises while cells are painted must not leave the painting. It is raised again
+/// from the event loop, and not a second time as long as it is the same.
+void TwwDBGrid::ShowFailure(const QString &message)
+{
+    if (std::exchange(FFailure, message) == message)
+        return;
+    QMetaObject::invokeMethod(this, [message] { throw Exception(message); }, Qt::QueuedConnection);
+}
+
+// ---- overridable notifications --------------------------------------------------------
+
+void TwwDBGrid::ColEnter() { OnColEnter(this); }
+
+void TwwDBGrid::ColExit() { OnColExit(this); }
+
+void TwwDBGrid::DblClick() { OnDblClick(this); }
+
+void TwwDBGrid::DoFieldChanged(TField *field) { OnFieldChanged(this, field); }
+
+bool TwwDBGrid::IsDateField(TField *field) const
+{
+    return qobject_cast<TDateTimeField *>(field) && field->DataType() != ftTime;
+}
+
+void TwwDBGrid::DoTitleButtonClick(const QString &fieldName) { OnTitleButtonClick(this, fieldName); }
+
+void TwwDBGrid::DoCalcTitleImage(TField *field, TTitleImageAttributes &attributes)
+{
+    attributes.SortMark = field ? SortOrderOf(*field) : std::nullopt;
+    if (OnCalcTitleImage)
+        OnCalcTitleImage(this, field, attributes);
+}
+
+// ---- the current cell -----------------------------------------------------------------
+
+TGridCell TwwDBGrid::CurrentCell() const
+{
+    const qsizetype row = Rows().Current();
+    return row < 0 || FColumn >= ColumnCount() ? TGridCell() : TGridCell{row, FColumn};
+}
+
+TField *TwwDBGrid::GetActiveField() const
+{
+    return FColumn < ColumnCount() ? Columns(FColumn)->Field() : nullptr;
+}
+
+void TwwDBGrid::SetSelectedIndex(int column)
+{
+    if (column < 0 || column >= ColumnCount())
+        throw EListError(u"没有第%1列"_s.arg(column + 1));
+    if (column == FColumn)
+        return ShowCurrentCell();
+    CommitEdit();
+    ColExit();
+    if (column >= ColumnCount()) // a handler has changed the columns
+        return;
+    FColumn = column;
+    FBlockEnd = {};
+    ColEnter();
+    UpdateCurrent();
+    ShowCurrentCell();
+}
+
+void TwwDBGrid::SetCurrentCell(const TGridCell &cell)
+{
+    CommitEdit();
+    MoveRow(cell.Row);
+    SetSelectedIndex(cell.Column);
+}
+
+void TwwDBGrid::MoveRow(qsizetype row)
+{
+    if (row != Rows().Current()) {
+        CommitEdit();
+        Rows().GoTo(row);
+    }
+    ShowCurrentCell();
+}
+
+TGridBlock TwwDBGrid::SelectedBlock() const
+{
+    const TGridCell cell = CurrentCell();
+    if (cell.IsNull())
+        return {};
+    const TGridCell end = FBlockEnd.IsNull() ? cell : FBlockEnd;
+    return {qMin(cell.Row, end.Row), qMin(cell.Column, end.Column), qMax(cell.Row, end.Row),
+            qMax(cell.Column, end.Column)};
+}
+
+void TwwDBGrid::SelectTo(const TGridCell &cell)
+{
+    if (CurrentCell().IsNull() || cell.IsNull())
+        return;
+    CommitEdit();
+    FBlockEnd = {qBound<qsizetype>(0, cell.Row, Rows().Count() - 1), qBound(0, cell.Column, ColumnCount() - 1)};
+    if (FBlockEnd == CurrentCell())
+        FBlockEnd = {};
+    else
+        ScrollTo(FLayout.TopRowFor(FBlockEnd.Row), FLayout.OffsetFor(FBlockEnd.Column));
+    viewport()->update();
+}
+
+void TwwDBGrid::ClearSelection()
+{
+    FBlockEnd = {};
+    viewport()->update();
+}
+
+// ---- editing --------------------------------------------------------------------------
+
+bool TwwDBGrid::CanEditColumn(int index) const
+{
+    if (index < 0 || index >= ColumnCount() || !FLink.Active() || FReadOnly || FLink.ReadOnly() ||
+        !FOptions.testFlag(dgEditing) || FOptions.testFlag(dgRowSelect))
+        return false;
+    const TwwColumn &column = *Columns(index);
+    TField *field = column.Field();
+    if (!field || column.ReadOnly() || field->Calculated() || field->ReadOnly() || !DataSet()->CanModify())
+        return false;
+    const bool isBeingEdited = DataSet()->State() != dsBrowse;
+    if (!isBeingEdited && (!DataSource()->AutoEdit() || Rows().Count() == 0))
+        return false;
+    const TCellControlKind kind = ControlOf(column).Kind;
+    return !field->IsBlob() || kind == ckMemo || kind == ckCustomEdit;
+}
+
+bool TwwDBGrid::IsEditing() const { return FEditing && FEditing->IsOpen(); }
+
+bool TwwDBGrid::EditCell() { return FEditing->Open(); }
+
+void TwwDBGrid::CommitEdit()
+{
+    if (FEditing)
+        FEditing->Commit();
+}
+
+void TwwDBGrid::CancelEdit() { FEditing->Close(); }
+
+bool TwwDBGrid::ToggleCheckBox()
+{
+    const TGridCell cell = CurrentCell();
+    if (cell.IsNull() || !CanEditColumn(cell.Column))
+        return false;
+    const TwwColumn &column = *Columns(cell.Column);
+    const TCellControl control = ControlOf(column);
+    if (control.Kind != ckCheckBox)
+        return false;
+    WriteCell(column, column.Field()->AsString() == control.Checked ? control.Unchecked : control.Checked);
+    return true;
+}
+
+/// Writes a stored text into the field of the current row, which is being edited then.
+void TwwDBGrid::WriteCell(const TwwColumn &column, const QString &text)
+{
+    const QPointer<TField> field = column.Field();
+    if (!FLink.Edit() || !field)
+        return;
+    field->SetText(text);
+    if (field)
+        DoFieldChanged(field);
+}
+
+} // namespace Korvane
