@@ -26,15 +26,6 @@ namespace {
 constexpr int Lookups = 100'000;
 constexpr int PeerLookups = 20;
 
-std::unique_ptr<TExTable> NewTable(TLargeTable &large)
-{
-    auto table = std::make_unique<TExTable>();
-    table->SetDBDFile(&large.Design());
-    table->SetDBSession(&large.Session());
-    table->SetTable(LargeTableName);
-    return table;
-}
-
 /// What the comparisons share, each piece made at its first use.
 class TItems
 {

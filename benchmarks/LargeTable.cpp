@@ -2,6 +2,7 @@
 #include "LargeTable.h"
 
 #include "LargeDesign.h"
+#include "datasets/ExDB.h"
 #include "design/DBDFile.h"
 #include "platform/sql/sqlite/DatabaseFile.h"
 #include "session/DBSession.h"
@@ -188,6 +189,15 @@ void TLargeTable::MakeDatabase(const QString &fileName)
         Design().CreateDB(session, true);
     }
     FillRows(fileName);
+}
+
+std::unique_ptr<TExTable> NewTable(TLargeTable &large)
+{
+    auto table = std::make_unique<TExTable>();
+    table->SetDBDFile(&large.Design());
+    table->SetDBSession(&large.Session());
+    table->SetTable(LargeTableName);
+    return table;
 }
 
 std::unique_ptr<TDBSession> ConnectTo(const QString &file)

@@ -10,6 +10,7 @@
 namespace Korvane {
 class TDBDFile;
 class TDBSession;
+class TExTable;
 } // namespace Korvane
 
 namespace Bench {
@@ -98,6 +99,9 @@ private:
     std::unique_ptr<Korvane::TDBDFile> FDesign;
     std::unique_ptr<Korvane::TDBSession> FSession;
 };
+
+/// The table as a dataset, not read yet.
+std::unique_ptr<Korvane::TExTable> NewTable(TLargeTable &large);
 
 /// An open connection to a database of the Access dialect.
 std::unique_ptr<Korvane::TDBSession> ConnectTo(const QString &file);

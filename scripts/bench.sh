@@ -7,4 +7,4 @@ scripts/install-dependencies.sh
 [ -f build/release/build.ninja ] || cmake --preset release
 cmake --build --preset release
 mkdir -p build/bench
-scripts/test-servers.sh build/release/benchmarks/korvane_bench --work build/bench "$@"
+QT_QPA_PLATFORM=offscreen scripts/test-servers.sh build/release/benchmarks/korvane_bench --work build/bench "$@"

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+#include "GridBenchmarks.h"
+
+#include "LargeTable.h"
+#include "QtItems.h"
+#include "controls/ExDBGrid.h"
+#include "datasets/ExDB.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTableView>
+
+using namespace Korvane;
+
+namespace Bench {
+
+namespace {
+
+constexpr QSize WindowSize(1280, 800);
+constexpr int PagesPerRun = 100;
+
+/// Shows a window and has it painted before it returns.
+void ShowPainted(QWidget &window)
+{
+    window.resize(WindowSize);
+    window.show();
+    window.repaint();
+    QCoreApplication::processEvents();
+}
+
+/// A page down by the keyboard, the frame painted before the next one.
+void PageDown(QAbstractScrollArea &view)
+{
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &press);
+    view.viewport()->repaint();
+}
+
+/// Ours: the dataset with its grid.
+struct TOurs
+{
+    explicit TOurs(TLargeTable &large) : Table(NewTable(large)) { Source.SetDataSet(Table.get()); }
+
+    void ShowGrid()
+    {
+        Grid = std::make_unique<TExDBGrid>();
+        Grid->SetDataSource(&Source);
+        ShowPainted(*Grid);
+    }
+
+    std::unique_ptr<TExTable> Table;
+    TDataSource Source;
+    std::unique_ptr<TExDBGrid> Grid;
+};
+
+/// Qt's: the model with its view. Columns and rows are as large as the grid's, so that both
+/// paint as many cells.
+struct TTheirs
+{
+    explicit TTheirs(const QSqlDatabase &database) : Model(database) {}
+
+    void ShowView(const TwwDBGrid *like)
+    {
+        View = std::make_unique<QTableView>();
+        View->setAlternatingRowColors(true);
+        View->setModel(&Model);
+        if (like) {
+            View->verticalHeader()->setDefaultSectionSize(like->RowHeights(0));
+            for (int column = 0; column < like->ColumnCount(); ++column)
+                View->setColumnWidth(column, like->Layout().ColumnWidth(column));
+        }
+        ShowPainted(*View);
+    }
+
+    TQtItems Model;
+    std::unique_ptr<QTableView> View;
+};
+
+/// What the comparisons share, each piece made at its first use.
+class TWindows
+{
+public:
+    explicit TWindows(std::shared_ptr<TLargeTable> large) : FLarge(std::move(large)) {}
+
+    TLargeTable &Large() { return *FLarge; }
+    const QSqlDatabase &QtDatabase()
+    {
+        if (!FQtDatabase.isOpen())
+            FQtDatabase = OpenQtDatabase(QStringLiteral("grid"), FLarge->File());
+        return FQtDatabase;
+    }
+    TOurs &Ours()
+    {
+        if (!FOurs) {
+            FOurs = std::make_unique<TOurs>(*FLarge);
+            FOurs->Table->OpenTable();
+            FOurs->ShowGrid();
+        }
+        return *FOurs;
+    }
+    TTheirs &Theirs()
+    {
+        if (!FTheirs) {
+            FTheirs = std::make_unique<TTheirs>(QtDatabase());
+            FTheirs->Model.SelectAll();
+            FTheirs->ShowView(Ours().Grid.get());
+        }
+        return *FTheirs;
+    }
+    /// For measuring what holds nothing else.
+    void Clear()
+    {
+        FOurs.reset();
+        FTheirs.reset();
+    }
+
+private:
+    const std::shared_ptr<TLargeTable> FLarge;
+    QSqlDatabase FQtDatabase;
+    std::unique_ptr<TOurs> FOurs;
+    std::unique_ptr<TTheirs> FTheirs;
+};
+using TWindowsPtr = std::shared_ptr<TWindows>;
+
+bool ShowsAsMuch(TWindows &windows)
+{
+    const QTableView &view = *windows.Theirs().View;
+    const TGridLayout &layout = windows.Ours().Grid->Layout();
+    const int theirRows = view.viewport()->height() / view.rowHeight(0);
+    return view.model()->rowCount() == layout.RowCount && qAbs(theirRows - layout.FullRows()) <= 1;
+}
+
+} // namespace
+
+QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
+{
+    const auto windows = std::make_shared<TWindows>(table);
+    return {
+        {.What = QStringLiteral("open 1,000,000 rows and paint the first page"),
+         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
+         .Goal = AtLeast(10),
+         .Ours =
+             [windows] {
+                 TOurs ours(windows->Large());
+                 ours.Table->OpenTable();
+                 ours.ShowGrid();
+             },
+         .Theirs =
+             [windows] {
+                 TTheirs theirs(windows->QtDatabase());
+                 theirs.Model.SelectAll();
+                 theirs.ShowView(nullptr);
+             },
+         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
+         .Repetitions = 5,
+         .PeerRepetitions = 2},
+        {.What = QStringLiteral("first paint of a new view of the same rows, which are in memory"),
+         .Peer = QStringLiteral("QTableView on the fetched QSqlTableModel"),
+         .Ours = [windows] { windows->Ours().ShowGrid(); },
+         .Theirs = [windows] { windows->Theirs().ShowView(windows->Ours().Grid.get()); },
+         .Prepare = [windows] { windows->Ours().Grid.reset(), windows->Theirs().View.reset(); },
+         .Repetitions = 15},
+        {.What = QStringLiteral("page down and paint, 100 times"),
+         .Peer = QStringLiteral("QTableView on the fetched QSqlTableModel"),
+         .Goal = Within(1.1),
+         .Ours =
+             [windows] {
+                 for (int page = 0; page < PagesPerRun; ++page)
+                     PageDown(*windows->Ours().Grid);
+             },
+         .Theirs =
+             [windows] {
+                 for (int page = 0; page < PagesPerRun; ++page)
+                     PageDown(*windows->Theirs().View);
+             },
+         .Prepare =
+             [windows] {
+                 if (!windows->Ours().Grid)
+                     windows->Ours().ShowGrid();
+                 if (!windows->Theirs().View)
+                     windows->Theirs().ShowView(windows->Ours().Grid.get());
+                 windows->Ours().Table->First();
+                 windows->Theirs().View->setCurrentIndex(windows->Theirs().Model.index(0, 0));
+             },
+         .Same = [windows] { return ShowsAsMuch(*windows); }},
+        {.What = QStringLiteral("memory of 1,000,000 rows in a window"),
+         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
+         .Goal = AtMost(1.0 / 3),
+         .Ours =
+             [windows] {
+                 auto ours = std::make_shared<TOurs>(windows->Large());
+                 ours->Table->OpenTable();
+                 ours->ShowGrid();
+                 return ours;
+             },
+         .Theirs =
+             [windows] {
+                 auto theirs = std::make_shared<TTheirs>(windows->QtDatabase());
+                 theirs->Model.SelectAll();
+                 theirs->ShowView(nullptr);
+                 return theirs;
+             },
+         .Prepare =
+             [windows] {
+                 windows->Clear();
+                 windows->QtDatabase();
+                 // The session keeps what it read last; that of an earlier read would be given
+                 // back while this one is measured.
+                 windows->Large().Session().Open(QStringLiteral("select 1"));
+             },
+         .Repetitions = 1},
+    };
+}
+
+} // namespace Bench
