@@ -14,3 +14,8 @@
 #include "general/SystemRoutines.h"
 #include "general/TextRoutines.h"
 #include "general/Types.h"
+
+#ifdef KORVANE_UI // what needs a window
+#include "platform/forms/ButtonGlyphs.h"
+#include "platform/forms/ScreenCapture.h"
+#endif

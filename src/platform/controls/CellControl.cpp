@@ -55,18 +55,4 @@ TCellControl TCellControl::FromText(const QString &line)
     return control;
 }
 
-TControlTable::TControlTable(const QStringList &lines)
-{
-    for (const QString &line : lines)
-        FControls.push_back(TCellControl::FromText(line));
-}
-
-const TCellControl *TControlTable::Find(const QString &fieldName) const
-{
-    for (auto control = FControls.rbegin(); control != FControls.rend(); ++control)
-        if (control->FieldName.compare(fieldName, Qt::CaseInsensitive) == 0)
-            return &*control;
-    return nullptr;
-}
-
 } // namespace Korvane

@@ -4,8 +4,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <vector>
-
 namespace Korvane {
 
 /// The kinds of controls in cells.
@@ -35,20 +33,6 @@ struct TCellControl
 
     /// A line that cannot be read, or of an unknown kind, gives a text control.
     static TCellControl FromText(const QString &line);
-};
-
-/// The control of each field in a control table; later lines of a field win. Names are blind to case.
-class TControlTable
-{
-public:
-    TControlTable() = default;
-    explicit TControlTable(const QStringList &lines);
-
-    /// Null for a field without a line.
-    const TCellControl *Find(const QString &fieldName) const;
-
-private:
-    std::vector<TCellControl> FControls;
 };
 
 } // namespace Korvane

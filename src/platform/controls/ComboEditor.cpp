@@ -99,7 +99,7 @@ public:
         constexpr int MostRows = 10;
         const int rows = qMin(MostRows, FList->count()), frame = 2 * (frameWidth() + 1);
         const int bar = FList->count() > MostRows ? FList->verticalScrollBar()->sizeHint().width() : 0;
-        const int height = qMax(FList->sizeHintForRow(0), fontMetrics().height() + 4);
+        const int height = qMax(1, FList->sizeHintForRow(0));
         TDropDownFrame::Open(
             {qMax(Line().width(), FList->sizeHintForColumn(0) + bar + frame), rows * height + frame});
         FollowLine();

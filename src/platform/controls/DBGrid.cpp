@@ -51,8 +51,6 @@ TwwDBGrid::TwwDBGrid(QWidget *parent)
     : QAbstractScrollArea(parent), FEditing(std::make_unique<TGridEditing>(*this)),
       FTitles(std::make_unique<TGridTitles>(*this)), FTotals(std::make_unique<TGridTotals>())
 {
-    FDateControl.Kind = ckDate;
-    FMemoControl.Kind = ckMemo;
     setFocusPolicy(Qt::WheelFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     viewport()->setMouseTracking(true);
@@ -204,7 +202,6 @@ void TwwDBGrid::ApplySelected()
         FIsBuilding = false;
         ColumnsChanged();
     });
-    FControls = TControlTable(FControlType);
     FTotals->Forget();
     if (!FLink.Active())
         return FColumns.Clear();
@@ -214,6 +211,8 @@ void TwwDBGrid::ApplySelected()
             if (field->Visible())
                 lines += TSelectedLine{field->FieldName()}.ToText();
     FColumns.Build(*this, lines, [this](const QString &name) { return FieldOfColumn(name); });
+    for (const auto &column : FColumns.All())
+        column->FControl = ControlFor(*column);
 }
 
 void TwwDBGrid::ColumnsChanged()
@@ -277,16 +276,22 @@ void TwwDBGrid::ResetLayout()
     ApplySelected();
 }
 
-const TCellControl &TwwDBGrid::ControlOf(const TwwColumn &column) const
+TCellControl TwwDBGrid::ControlFor(const TwwColumn &column) const
 {
-    if (const TCellControl *control = FControls.Find(column.FieldName()))
-        return *control;
+    TCellControl control;
+    // A later line of a field wins.
+    for (const QString &text : FControlType)
+        if (const TCellControl line = TCellControl::FromText(text);
+            line.FieldName.compare(column.FieldName(), Qt::CaseInsensitive) == 0)
+            control = line;
     TField *field = column.Field();
-    if (field && IsDateField(field) && !FEditControlOptions.testFlag(ecoDisableDateTimePicker))
-        return FDateControl;
-    if (field && (field->DataType() == ftMemo || field->DataType() == ftFmtMemo))
-        return FMemoControl;
-    return FTextControl;
+    if (!control.FieldName.isEmpty())
+        return control;
+    if (IsDateField(field) && !FEditControlOptions.testFlag(ecoDisableDateTimePicker))
+        control.Kind = ckDate;
+    else if (field->DataType() == ftMemo || field->DataType() == ftFmtMemo)
+        control.Kind = ckMemo;
+    return control;
 }
 
 QWidget *TwwDBGrid::FindControl(const QString &name) const
@@ -297,7 +302,7 @@ QWidget *TwwDBGrid::FindControl(const QString &name) const
 QString TwwDBGrid::CellText(const TwwColumn &column) const
 {
     const TField &field = *column.Field();
-    const TCellControl &control = ControlOf(column);
+    const TCellControl &control = column.Control();
     if (control.Kind == ckMemo && FMemoAttributes.testFlag(mGridShow)) {
         const QString text = field.AsString();
         return FRowLines > 1 ? text : text.simplified();
@@ -332,6 +337,12 @@ void TwwDBGrid::SetOptions(TwwDBGridOptions options)
 {
     FOptions = options;
     UpdateLayout();
+}
+
+void TwwDBGrid::SetEditControlOptions(TwwEditControlOptions options)
+{
+    FEditControlOptions = options;
+    ApplySelected();
 }
 
 void TwwDBGrid::SetwwMemoAttributes(TwwMemoAttributes attributes)
@@ -381,8 +392,11 @@ void TwwDBGrid::SetFixedCols(int count)
 
 void TwwDBGrid::SetRowLines(int lines)
 {
+    const bool isInSight = IsCurrentInSight();
     FRowLines = qBound(1, lines, 20);
     UpdateLayout();
+    if (isInSight)
+        ShowCurrentCell();
 }
 
 // ---- geometry -------------------------------------------------------------------------
@@ -394,6 +408,16 @@ int TwwDBGrid::PixelsOf(double characters) const { return qRound(characters * FC
 double TwwDBGrid::CharactersOf(int pixels) const { return qMax(0.1, (pixels - 2 * CellMargin) / FCharWidth); }
 
 int TwwDBGrid::RowHeights(qsizetype) const { return FLayout.RowHeight; }
+
+/// A tick box needs little room, its title more: as much as two wide characters take is there.
+int TwwDBGrid::WidthOf(const TwwColumn &column) const
+{
+    const int width = PixelsOf(column.DisplayWidth());
+    if (column.Control().Kind != ckCheckBox)
+        return width;
+    const int title = QFontMetrics(font()).horizontalAdvance(column.DisplayLabel().left(2));
+    return qMax(width, title + 2 * CellMargin + 2);
+}
 
 void TwwDBGrid::MeasureText()
 {
@@ -411,7 +435,7 @@ void TwwDBGrid::UpdateLayout()
     FLayout.IndicatorWidth = FOptions.testFlag(dgIndicator) ? qMax(16, line) : 0;
     std::vector<int> widths;
     for (int column = 0; column < ColumnCount(); ++column)
-        widths.push_back(PixelsOf(Columns(column)->DisplayWidth()));
+        widths.push_back(WidthOf(*Columns(column)));
     FLayout.SetWidths(widths);
     FLayout.Size = viewport()->size();
     UpdateScrollBars();
@@ -453,9 +477,18 @@ void TwwDBGrid::scrollContentsBy(int, int)
     ScrollTo(verticalScrollBar()->value(), horizontalScrollBar()->value());
 }
 
+bool TwwDBGrid::IsCurrentInSight() const
+{
+    const qsizetype row = CurrentCell().Row;
+    return row >= FLayout.TopRow && row < FLayout.TopRow + FLayout.FullRows();
+}
+
 void TwwDBGrid::resizeEvent(QResizeEvent *)
 {
+    const bool isInSight = IsCurrentInSight();
     FLayout.Size = viewport()->size();
+    if (isInSight)
+        FLayout.TopRow = FLayout.TopRowFor(CurrentCell().Row);
     UpdateScrollBars();
     FEditing->Place();
 }
@@ -605,7 +638,7 @@ bool TwwDBGrid::CanEditColumn(int index) const
     const bool isBeingEdited = DataSet()->State() != dsBrowse;
     if (!isBeingEdited && (!DataSource()->AutoEdit() || Rows().Count() == 0))
         return false;
-    const TCellControlKind kind = ControlOf(column).Kind;
+    const TCellControlKind kind = column.Control().Kind;
     return !field->IsBlob() || kind == ckMemo || kind == ckCustomEdit;
 }
 
@@ -627,7 +660,7 @@ bool TwwDBGrid::ToggleCheckBox()
     if (cell.IsNull() || !CanEditColumn(cell.Column))
         return false;
     const TwwColumn &column = *Columns(cell.Column);
-    const TCellControl control = ControlOf(column);
+    const TCellControl control = column.Control();
     if (control.Kind != ckCheckBox)
         return false;
     WriteCell(column, column.Field()->AsString() == control.Checked ? control.Unchecked : control.Checked);

@@ -116,7 +116,7 @@ public:
     TwwDBGridKeyOptions KeyOptions() const { return FKeyOptions; }
     void SetKeyOptions(TwwDBGridKeyOptions options) { FKeyOptions = options; }
     TwwEditControlOptions EditControlOptions() const { return FEditControlOptions; }
-    void SetEditControlOptions(TwwEditControlOptions options) { FEditControlOptions = options; }
+    void SetEditControlOptions(TwwEditControlOptions options);
     TwwMemoAttributes MemoAttributes() const { return FMemoAttributes; }
     void SetwwMemoAttributes(TwwMemoAttributes attributes);
     const TwwPaintOptions &PaintOptions() const { return FPaintOptions; }
@@ -188,8 +188,6 @@ public:
     QString CellText(const TwwColumn &column) const;
     /// The text at the foot of a column.
     QString FooterText(int column) const;
-    /// The control of a column.
-    const TCellControl &ControlOf(const TwwColumn &column) const;
 
     TEvent<TwwDBGrid *> OnColEnter, OnColExit, OnRowChanged, OnDblClick, OnColumnsMoved;
     /// A field was changed by the user in this grid.
@@ -279,6 +277,7 @@ private:
         TwwDBGrid &FGrid;
     };
 
+    TCellControl ControlFor(const TwwColumn &column) const;
     TDataSetRows Rows() const;
     bool IsUpdating() const { return FUpdateCount > 0; }
     /// A column looks otherwise, or is shown or not.
@@ -291,6 +290,8 @@ private:
     void RowsChanged();
     void UpdateCurrent();
     bool TakesInputMethod() const;
+    bool IsCurrentInSight() const;
+    int WidthOf(const TwwColumn &column) const;
     int PixelsOf(double characters) const;
     double CharactersOf(int pixels) const;
 
@@ -317,8 +318,6 @@ private:
     TLink FLink{*this};
     QStringList FSelected;
     QStringList FControlType;
-    TControlTable FControls;
-    TCellControl FDateControl, FMemoControl, FTextControl;
     TGridColumns FColumns;
     TGridLayout FLayout;
     int FUpdateCount = 0;

@@ -17,6 +17,14 @@ namespace {
 
 constexpr int TitleRow = -1; ///< the row of the header cells
 
+int ReadGrids = 0; ///< grids that something has asked about
+
+void Tell(QAccessibleEvent &event)
+{
+    GridAccessibilityListener()(event);
+    QAccessible::updateAccessibility(&event);
+}
+
 /// Nothing while the grid is destroyed, when the object is a plain widget already.
 TwwDBGrid *GridOf(QObject *object) { return qobject_cast<TwwDBGrid *>(object); }
 
@@ -51,6 +59,40 @@ template <class Action> bool Try(TwwDBGrid &grid, Action action)
             Qt::QueuedConnection);
         return false;
     }
+}
+
+/// Reads a cell, the fields standing in its row; nothing where that fails.
+template <class Reader>
+auto ReadCell(const TwwDBGrid &grid, const TGridCell &cell, Reader read)
+    -> decltype(read(std::declval<TwwColumn &>()))
+{
+    const TwwColumn &column = *grid.Columns(cell.Column);
+    try {
+        const TDataSetRows rows(grid.DataSet());
+        const TDataSetRows::TReading reading(rows, cell.Row);
+        if (column.Field())
+            return read(column);
+    } catch (const std::exception &) {
+        // The grid shows what a handler of the field raises.
+    }
+    return {};
+}
+
+QString TextOf(const TwwDBGrid &grid, const TGridCell &cell)
+{
+    return ReadCell(grid, cell, [&grid](const TwwColumn &column) { return grid.CellText(column); });
+}
+
+bool IsCheckBoxOf(const TwwDBGrid &grid, int column)
+{
+    return grid.Columns(column)->Control().Kind == ckCheckBox;
+}
+
+bool IsChecked(const TwwDBGrid &grid, const TGridCell &cell)
+{
+    return ReadCell(grid, cell, [](const TwwColumn &column) {
+        return column.Field()->AsString() == column.Control().Checked;
+    });
 }
 
 /// One cell, or the title of a column. It denotes a place and is invalid when there is none any more.
@@ -98,7 +140,7 @@ public:
             return isName ? column.DisplayLabel() : QString();
         if (kind == QAccessible::Description || (isName && IsCheckBox()))
             return column.DisplayLabel();
-        return isName || kind == QAccessible::Value ? CellText() : QString();
+        return isName || kind == QAccessible::Value ? TextOf(*Grid(), {FRow, FColumn}) : QString();
     }
     /// Cells are edited by their editors.
     void setText(QAccessible::Text, const QString &) override {}
@@ -134,7 +176,7 @@ public:
         state.editable = grid.CanEditColumn(FColumn);
         state.readOnly = !state.editable;
         state.checkable = IsCheckBox();
-        state.checked = state.checkable && IsChecked();
+        state.checked = state.checkable && IsChecked(grid, {FRow, FColumn});
         return state;
     }
 
@@ -189,34 +231,7 @@ public:
 
 private:
     TwwDBGrid *Grid() const { return GridOf(FObject); }
-    const TCellControl &Control() const { return Grid()->ControlOf(*Grid()->Columns(FColumn)); }
-    bool IsCheckBox() const { return Control().Kind == ckCheckBox; }
-    QString CellText() const
-    {
-        return Read([](const TwwDBGrid &grid, const TwwColumn &column) { return grid.CellText(column); });
-    }
-    bool IsChecked() const
-    {
-        return Read([this](const TwwDBGrid &, const TwwColumn &column) {
-            return column.Field()->AsString() == Control().Checked;
-        });
-    }
-    /// Reads with the fields in the cell's row; nothing where that fails.
-    template <class Reader>
-    auto Read(Reader read) const -> decltype(read(std::declval<TwwDBGrid &>(), std::declval<TwwColumn &>()))
-    {
-        const TwwDBGrid &grid = *Grid();
-        const TwwColumn &column = *grid.Columns(FColumn);
-        try {
-            const TDataSetRows rows(grid.DataSet());
-            const TDataSetRows::TReading reading(rows, FRow);
-            if (column.Field())
-                return read(grid, column);
-        } catch (const std::exception &) {
-            // The grid shows what a handler of the field raises.
-        }
-        return {};
-    }
+    bool IsCheckBox() const { return IsCheckBoxOf(*Grid(), FColumn); }
 
     const QPointer<QObject> FObject;
     const int FRow;
@@ -229,8 +244,13 @@ class TGridAccessible : public QAccessibleWidget, public QAccessibleTableInterfa
 public:
     explicit TGridAccessible(TwwDBGrid &grid) : QAccessibleWidget(&grid, QAccessible::Table), FTold(Now(grid))
     {
+        ++ReadGrids;
     }
-    ~TGridAccessible() override { DropCells(); }
+    ~TGridAccessible() override
+    {
+        DropCells();
+        --ReadGrids;
+    }
 
     /// Tells what has become otherwise since the last time.
     void TellChanges(TwwDBGrid &grid)
@@ -238,8 +258,9 @@ public:
         const TState before = std::exchange(FTold, Now(grid));
         const TState now = FTold;
         if (now.Rows != before.Rows || now.Columns != before.Columns) {
+            DropCells();
             QAccessibleTableModelChangeEvent event(&grid, QAccessibleTableModelChangeEvent::ModelReset);
-            QAccessible::updateAccessibility(&event);
+            Tell(event);
         }
         if (now.Cell.IsNull())
             return;
@@ -248,21 +269,9 @@ public:
             TellCell(grid, QAccessible::Selection);
         if (now.HasFocus && (isOther || !before.HasFocus))
             TellCell(grid, QAccessible::Focus);
+        if (!isOther && now.Text != before.Text)
+            TellText(grid);
     }
-    void TellValue(TwwDBGrid &grid)
-    {
-        const TGridCell cell = grid.CurrentCell();
-        if (cell.IsNull() || cell.Row >= RowCountOf(grid))
-            return;
-        if (grid.ControlOf(*grid.Columns(cell.Column)).Kind != ckCheckBox)
-            return TellCell(grid, QAccessible::NameChanged);
-        QAccessible::State changed;
-        changed.checked = true;
-        QAccessibleStateChangeEvent event(&grid, changed);
-        event.setChild(IndexOf(grid, int(cell.Row), cell.Column));
-        QAccessible::updateAccessibility(&event);
-    }
-
     void *interface_cast(QAccessible::InterfaceType type) override
     {
         if (type == QAccessible::TableInterface)
@@ -414,10 +423,13 @@ private:
         QStringList Columns;
         TGridCell Cell;
         bool HasFocus;
+        QString Text; // of the current cell
     };
     static TState Now(const TwwDBGrid &grid)
     {
-        TState state{RowCountOf(grid), {}, grid.CurrentCell(), grid.hasFocus()};
+        TState state{RowCountOf(grid), {}, grid.CurrentCell(), grid.hasFocus(), {}};
+        if (!state.Cell.IsNull())
+            state.Text = TextOf(grid, state.Cell);
         for (int column = 0; column < grid.ColumnCount(); ++column)
             state.Columns += grid.Columns(column)->FieldName();
         return state;
@@ -464,7 +476,19 @@ private:
             return;
         QAccessibleEvent event(&grid, kind);
         event.setChild(IndexOf(grid, int(cell.Row), cell.Column));
-        QAccessible::updateAccessibility(&event);
+        Tell(event);
+    }
+
+    void TellText(TwwDBGrid &grid)
+    {
+        const TGridCell cell = grid.CurrentCell();
+        if (!IsCheckBoxOf(grid, cell.Column))
+            return TellCell(grid, QAccessible::NameChanged);
+        QAccessible::State changed;
+        changed.checked = true;
+        QAccessibleStateChangeEvent event(&grid, changed);
+        event.setChild(IndexOf(grid, int(cell.Row), cell.Column));
+        Tell(event);
     }
 
     /// The one interface of a place, as long as rows and columns stay; null where there is no cell.
@@ -498,15 +522,21 @@ QAccessibleInterface *MakeInterface(const QString &className, QObject *object)
     return isAsked ? new TGridAccessible(*grid) : nullptr;
 }
 
-/// Null while no screen reader listens.
+/// Null while nothing listens.
 TGridAccessible *ListenedTo(TwwDBGrid &grid)
 {
-    return QAccessible::isActive()
-               ? dynamic_cast<TGridAccessible *>(QAccessible::queryAccessibleInterface(&grid))
-               : nullptr;
+    if (ReadGrids == 0 && !QAccessible::isActive())
+        return nullptr;
+    return dynamic_cast<TGridAccessible *>(QAccessible::queryAccessibleInterface(&grid));
 }
 
 } // namespace
+
+TEvent<QAccessibleEvent &> &GridAccessibilityListener()
+{
+    static TEvent<QAccessibleEvent &> listener;
+    return listener;
+}
 
 void InstallGridAccessibility() { QAccessible::installFactory(MakeInterface); }
 
@@ -514,12 +544,6 @@ void CurrentCellChanged(TwwDBGrid &grid)
 {
     if (TGridAccessible *interface = ListenedTo(grid))
         interface->TellChanges(grid);
-}
-
-void CurrentValueChanged(TwwDBGrid &grid)
-{
-    if (TGridAccessible *interface = ListenedTo(grid))
-        interface->TellValue(grid);
 }
 
 } // namespace Korvane

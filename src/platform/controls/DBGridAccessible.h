@@ -3,6 +3,10 @@
 // read when they are asked for, without moving the dataset.
 #pragma once
 
+#include "platform/core/Event.h"
+
+class QAccessibleEvent;
+
 namespace Korvane {
 
 class TwwDBGrid;
@@ -11,11 +15,11 @@ class TwwDBGrid;
 /// of times.
 void InstallGridAccessibility();
 
-// What a grid tells of itself. Without a screen reader they cost a test of a flag.
-
-/// Rows, columns, the current cell or the focus may be others: tells what really has changed.
+/// Rows, columns, the current cell, its text or the focus may be others: tells what really has
+/// changed. Costs nothing as long as no grid was asked for.
 void CurrentCellChanged(TwwDBGrid &grid);
-/// The current row has other values.
-void CurrentValueChanged(TwwDBGrid &grid);
+
+/// Hears what grids tell, also on a platform that has no accessibility and drops it.
+TEvent<QAccessibleEvent &> &GridAccessibilityListener();
 
 } // namespace Korvane

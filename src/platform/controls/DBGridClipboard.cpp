@@ -20,7 +20,7 @@ QString CopiedText(const TwwDBGrid &grid, const TwwColumn &column)
 {
     if (!column.Field())
         return {};
-    return grid.ControlOf(column).Kind == ckCheckBox ? column.Field()->AsString() : grid.CellText(column);
+    return column.Control().Kind == ckCheckBox ? column.Field()->AsString() : grid.CellText(column);
 }
 
 /// What is written for a text, which may be one that a list shows.
@@ -99,7 +99,7 @@ void TwwDBGrid::WriteCells(const QList<QStringList> &rows)
             if (!CanEditColumn(index))
                 continue;
             const TwwColumn &column = *Columns(index);
-            WriteCell(column, WrittenText(ControlOf(column), rows[row][cell]));
+            WriteCell(column, WrittenText(column.Control(), rows[row][cell]));
         }
     }
     // A single row stays being edited, as after typing; of several each is checked as it is left.

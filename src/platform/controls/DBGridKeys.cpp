@@ -299,7 +299,7 @@ bool TwwDBGrid::TypeLetter(QKeyEvent &event)
 
 bool TwwDBGrid::TakesInputMethod() const
 {
-    return CanEditColumn(FColumn) && ControlOf(*Columns(FColumn)).Kind != ckCheckBox;
+    return CanEditColumn(FColumn) && Columns(FColumn)->Control().Kind != ckCheckBox;
 }
 
 void TwwDBGrid::inputMethodEvent(QInputMethodEvent *event)

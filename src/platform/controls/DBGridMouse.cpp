@@ -46,7 +46,7 @@ void TwwDBGrid::PressCell(const TGridCell &cell, QMouseEvent &event)
     FPressed = CurrentCell();
     if (FPressed.IsNull() || FPressed.Column != cell.Column)
         return;
-    const TCellControl &control = ControlOf(*Columns(cell.Column));
+    const TCellControl &control = Columns(cell.Column)->Control();
     if (control.Kind == ckCheckBox) {
         if (wasCurrent || FEditControlOptions.testFlag(ecoCheckboxSingleClick))
             ToggleCheckBox();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/controls/CellControl.h"
 #include "platform/controls/DBGridTypes.h"
 #include "platform/data/dataset/Field.h"
 
@@ -47,9 +48,12 @@ public:
     void SetReadOnly(bool readOnly);
     bool Visible() const { return FVisible; }
     void SetVisible(bool visible);
+    /// What its cells are shown and edited with.
+    const TCellControl &Control() const { return FControl; }
 
 private:
     friend class TGridColumns;
+    friend class TwwDBGrid;
 
     /// As the user had it before.
     void ApplyPlace(double width, bool visible)
@@ -62,6 +66,7 @@ private:
     TSelectedLine FLine;
     QPointer<TField> FField;
     bool FVisible = true;
+    TCellControl FControl;
 };
 
 } // namespace Korvane

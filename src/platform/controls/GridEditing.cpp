@@ -42,7 +42,7 @@ bool TGridEditing::Open()
     if (cell.IsNull())
         return false;
     const TwwColumn &column = *FGrid.Columns(cell.Column);
-    const TCellControl &control = FGrid.ControlOf(column);
+    const TCellControl &control = column.Control();
     const bool canEdit = FGrid.CanEditColumn(cell.Column);
     // A memo that cannot be written can still be read as a whole.
     if (control.Kind == ckCheckBox || control.Kind == ckCustomEdit || (!canEdit && control.Kind != ckMemo))
@@ -178,7 +178,7 @@ void TGridEditing::UpdateCustomControl()
     const TGridCell cell = FGrid.CurrentCell();
     QWidget *custom = nullptr;
     if (!cell.IsNull() && FGrid.isVisible()) {
-        const TCellControl &control = FGrid.ControlOf(*FGrid.Columns(cell.Column));
+        const TCellControl &control = FGrid.Columns(cell.Column)->Control();
         if (control.Kind == ckCustomEdit)
             custom = FGrid.FindControl(control.ControlName);
     }

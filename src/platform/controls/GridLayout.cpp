@@ -47,8 +47,10 @@ QRect TGridLayout::ScrollingArea() const
 
 QRect TGridLayout::ClipOf(int column, const QRect &area) const
 {
-    const int left = column < FrozenCount ? IndicatorWidth : FrozenEdge();
-    return area & QRect(left, 0, qMax(0, Size.width() - left), Size.height());
+    const bool isFrozen = column < FrozenCount;
+    const int left = isFrozen ? IndicatorWidth : FrozenEdge();
+    const int right = isFrozen ? qMin(FrozenEdge(), Size.width()) : Size.width();
+    return area & QRect(left, 0, qMax(0, right - left), Size.height());
 }
 
 int TGridLayout::ColumnAt(int x) const

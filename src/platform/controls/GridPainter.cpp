@@ -6,6 +6,7 @@
 #include "platform/controls/GridEditing.h"
 #include "platform/controls/GridTitles.h"
 #include "platform/controls/PaintCopy.h"
+#include "platform/data/dataset/Fields.h"
 #include "platform/graphics/ImageList.h"
 
 #include <QPainter>
@@ -80,11 +81,13 @@ void TGridPainter::PaintRows(const TDataSetRows &rows)
 {
     const qsizetype current = rows.Current(), end = FLayout.EndRow();
     const QList<int> columns = VisibleColumns();
+    FindCopies(columns);
     for (const bool isFrozen : {false, true}) {
         const int sample = isFrozen ? 0 : FLayout.FrozenCount;
         if (isFrozen && FLayout.FrozenCount == 0)
             break;
-        const QRect clip = FLayout.ClipOf(sample, FLayout.RowsArea());
+        QRect clip = FLayout.ClipOf(sample, FLayout.RowsArea());
+        clip.setRight(qMin(clip.right(), FLayout.TotalWidth() - FLayout.Offset - 1)); // the last column's edge
         FPainter.setClipRect(clip);
         for (qsizetype number = FLayout.TopRow; number < end; ++number) {
             const TDataSetRows::TReading reading(rows, number);
@@ -123,7 +126,7 @@ void TGridPainter::PaintCell(const TRow &row, int index, const QRect &rect)
         FGrid.OnCalcCellColors(&FGrid, column.Field(), cell, colors);
     if (colors.Fill.isValid() && colors.Fill != row.Fill)
         FPainter.fillRect(rect, colors.Fill);
-    PaintContent(column, rect, colors);
+    PaintContent(index, rect, colors);
     if (isCurrent && !FGrid.IsEditing()) {
         FPainter.setPen(QPen(colors.Text, 1, FGrid.hasFocus() ? Qt::SolidLine : Qt::DotLine));
         FPainter.setBrush(Qt::NoBrush);
@@ -131,18 +134,27 @@ void TGridPainter::PaintCell(const TRow &row, int index, const QRect &rect)
     }
 }
 
-void TGridPainter::PaintContent(const TwwColumn &column, const QRect &rect, const TCellColors &colors)
+void TGridPainter::FindCopies(const QList<int> &columns)
 {
-    const TCellControl &control = FGrid.ControlOf(column);
-    if (control.Kind == ckCheckBox)
-        return PaintCheckBox(rect, column, control);
-    if (control.Kind == ckCustomEdit && control.PaintsAll)
-        if (auto *copy = dynamic_cast<TPaintCopy *>(FGrid.FindControl(control.ControlName))) {
-            FPainter.save();
-            copy->PaintCopy(FPainter, rect.adjusted(0, 0, -1, -1), *column.Field());
-            FPainter.restore();
-            return;
-        }
+    for (const int column : columns) {
+        const TCellControl &control = FGrid.Columns(column)->Control();
+        if (control.Kind == ckCustomEdit && control.PaintsAll)
+            if (auto *copy = dynamic_cast<TPaintCopy *>(FGrid.FindControl(control.ControlName)))
+                FCopies.insert(column, copy);
+    }
+}
+
+void TGridPainter::PaintContent(int index, const QRect &rect, const TCellColors &colors)
+{
+    const TwwColumn &column = *FGrid.Columns(index);
+    if (column.Control().Kind == ckCheckBox)
+        return PaintCheckBox(rect, column, column.Control());
+    if (TPaintCopy *copy = FCopies.value(index)) {
+        FPainter.save();
+        copy->PaintCopy(FPainter, rect.adjusted(0, 0, -1, -1), *column.Field());
+        FPainter.restore();
+        return;
+    }
     const QString text = FGrid.CellText(column);
     if (text.isEmpty())
         return;
@@ -155,19 +167,22 @@ void TGridPainter::PaintContent(const TwwColumn &column, const QRect &rect, cons
         FPainter.setFont(plain);
 }
 
-/// A text that does not fit ends in an ellipsis, so that no number looks like another one.
+/// What does not fit in one line ends in an ellipsis, so that no number looks like another one.
 void TGridPainter::PaintText(const QRect &rect, const TwwColumn &column, const QString &text)
 {
     const QRect inner = rect.adjusted(FPadding, 0, -FPadding - 1, 0);
-    const Qt::Alignment alignment = column.Field()->Alignment() & Qt::AlignHorizontal_Mask;
-    if (FGrid.RowLines() > 1) {
-        FPainter.drawText(inner.adjusted(0, 1, 0, -1), int(alignment) | Qt::AlignTop | Qt::TextWordWrap, text);
+    const int alignment = int(column.Field()->Alignment() & Qt::AlignHorizontal_Mask);
+    const QFontMetrics metrics = FPainter.fontMetrics();
+    const bool hasLines = FGrid.RowLines() > 1 && rect.height() >= 2 * metrics.height();
+    if (!hasLines || qobject_cast<const TNumericField *>(column.Field())) {
+        const bool fits = metrics.horizontalAdvance(text) <= inner.width();
+        FPainter.drawText(inner, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
+                          fits ? text : metrics.elidedText(text, Qt::ElideRight, inner.width()));
         return;
     }
-    const QFontMetrics metrics = FPainter.fontMetrics();
-    const bool fits = metrics.horizontalAdvance(text) <= inner.width();
-    FPainter.drawText(inner, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      fits ? text : metrics.elidedText(text, Qt::ElideRight, inner.width()));
+    const int wrapping = alignment | Qt::TextWordWrap;
+    const bool fits = FPainter.boundingRect(inner, wrapping, text).height() <= inner.height();
+    FPainter.drawText(inner.adjusted(0, 1, 0, -1), wrapping | int(fits ? Qt::AlignVCenter : Qt::AlignTop), text);
 }
 
 void TGridPainter::PaintCheckBox(const QRect &rect, const TwwColumn &column, const TCellControl &control)
@@ -223,7 +238,9 @@ void TGridPainter::PaintIndicator(const TRow &row)
 
 void TGridPainter::PaintLines(int bottom)
 {
-    const int hint = FGrid.style()->styleHint(QStyle::SH_Table_GridLineColor, nullptr, &FGrid);
+    QStyleOption option;
+    option.initFrom(&FGrid);
+    const int hint = FGrid.style()->styleHint(QStyle::SH_Table_GridLineColor, &option, &FGrid);
     FPainter.setPen(QColor::fromRgba(QRgb(hint)));
     QList<QLine> lines;
     const QList<int> columns = VisibleColumns();

@@ -4,6 +4,7 @@
 #include "platform/controls/DBGridTypes.h"
 #include "platform/controls/GridLayout.h"
 
+#include <QHash>
 #include <QList>
 #include <QPalette>
 
@@ -12,6 +13,7 @@ class QPainter;
 namespace Korvane {
 
 class TDataSetRows;
+class TPaintCopy;
 class TwwColumn;
 class TwwDBGrid;
 struct TCellControl;
@@ -35,7 +37,7 @@ private:
 
     void PaintRows(const TDataSetRows &rows);
     void PaintCell(const TRow &row, int column, const QRect &rect);
-    void PaintContent(const TwwColumn &column, const QRect &rect, const TCellColors &colors);
+    void PaintContent(int column, const QRect &rect, const TCellColors &colors);
     void PaintCheckBox(const QRect &rect, const TwwColumn &column, const TCellControl &control);
     void PaintText(const QRect &rect, const TwwColumn &column, const QString &text);
     void PaintIndicator(const TRow &row);
@@ -46,6 +48,7 @@ private:
     void PaintDropMark();
     void PaintFooter();
     TRow RowOf(qsizetype number, qsizetype current) const;
+    void FindCopies(const QList<int> &columns);
     /// The columns in sight: the frozen ones, and a range of those that scroll.
     QList<int> VisibleColumns() const;
 
@@ -55,6 +58,7 @@ private:
     const QPalette FPalette;
     const int FPadding;
     QColor FAlternating, FActive, FActiveText;
+    QHash<int, TPaintCopy *> FCopies; // by column, of those that controls paint
     TGridBlock FBlock;
     bool FHasBlock = false;
     TGridCell FCurrent;

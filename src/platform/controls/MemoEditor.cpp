@@ -100,8 +100,9 @@ protected:
     {
         if (object == &FOver && !event->spontaneous()) {
             if (event->type() == QEvent::Hide && isVisible()) {
-                FReturns = true;
+                FReturns = true; // unless it can be stored
                 hide();
+                OnAccept();
             } else if (event->type() == QEvent::Show && std::exchange(FReturns, false)) {
                 show();
             }

@@ -17,8 +17,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // More than a screen holds is shown in part, and whole on demand.
-constexpr qsizetype MostLetters = 1200;
-constexpr qsizetype MostLines = 24;
+constexpr qsizetype MostLetters = 800;
+constexpr qsizetype MostLines = 16;
 
 struct TBoxButton
 {
@@ -31,7 +31,6 @@ QList<TBoxButton> ButtonsOf(int flags)
 {
     const TBoxButton ok{IDOK, u"确定"_s, QMessageBox::AcceptRole};
     const TBoxButton cancel{IDCANCEL, u"取消"_s, QMessageBox::RejectRole};
-    const TBoxButton retry{IDRETRY, u"重试(&R)"_s, QMessageBox::AcceptRole};
     const TBoxButton yes{IDYES, u"是(&Y)"_s, QMessageBox::YesRole};
     const TBoxButton no{IDNO, u"否(&N)"_s, QMessageBox::NoRole};
     switch (flags & MB_BUTTONS) {
@@ -40,15 +39,16 @@ QList<TBoxButton> ButtonsOf(int flags)
     case MB_OKCANCEL:
         return {ok, cancel};
     case MB_ABORTRETRYIGNORE:
-        return {{IDABORT, u"中止(&A)"_s, QMessageBox::DestructiveRole},
-                retry,
-                {IDIGNORE, u"忽略(&I)"_s, QMessageBox::AcceptRole}};
+        // One role for all keeps them in this order.
+        return {{IDABORT, u"中止(&A)"_s, QMessageBox::ActionRole},
+                {IDRETRY, u"重试(&R)"_s, QMessageBox::ActionRole},
+                {IDIGNORE, u"忽略(&I)"_s, QMessageBox::ActionRole}};
     case MB_YESNOCANCEL:
         return {yes, no, cancel};
     case MB_YESNO:
         return {yes, no};
     case MB_RETRYCANCEL:
-        return {retry, cancel};
+        return {{IDRETRY, u"重试(&R)"_s, QMessageBox::AcceptRole}, cancel};
     default:
         throw Exception(u"消息框没有这种按钮：%1"_s.arg(flags & MB_BUTTONS));
     }

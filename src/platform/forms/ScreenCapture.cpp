@@ -20,6 +20,8 @@ namespace {
 /// What a screen shows of a rectangle; null if the desktop does not tell.
 QPixmap GrabScreen(QScreen &screen, const QRect &rect)
 {
+    if (QGuiApplication::platformName() == "offscreen"_L1)
+        return {}; // it has no screen, and would give what happens to lie in memory
     const QPoint corner = rect.topLeft() - screen.geometry().topLeft();
     return screen.grabWindow(0, corner.x(), corner.y(), rect.width(), rect.height());
 }

@@ -11,6 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 MaxBytes = 256 << 20;
+constexpr qint64 MinPiece = 64 << 10;
 
 } // namespace
 
@@ -18,11 +19,21 @@ QByteArray ReadGraphicBytes(QIODevice &stream)
 {
     if (!stream.isReadable())
         throw EFileError(u"读图片失败：数据流没有打开"_s);
-    const QByteArray bytes = stream.read(MaxBytes + 1);
-    if (bytes.size() > MaxBytes)
-        throw EInvalidGraphic(u"图片的数据超过 %1 MB，不能读入"_s.arg(MaxBytes >> 20));
-    if (bytes.isEmpty() && !stream.atEnd())
-        throw EFileError(u"读图片失败：%1"_s.arg(stream.errorString()));
+    QByteArray bytes;
+    for (;;) {
+        // NOTE: no more memory than there are bytes: a stream may not know how many.
+        const qsizetype at = bytes.size();
+        bytes.resize(at + qBound<qint64>(MinPiece, stream.bytesAvailable(), MaxBytes));
+        const qint64 count = stream.read(bytes.data() + at, bytes.size() - at);
+        bytes.resize(at + qMax<qint64>(count, 0));
+        if (bytes.size() > MaxBytes)
+            throw EInvalidGraphic(u"图片的数据超过 %1 MB，不能读入"_s.arg(MaxBytes >> 20));
+        if (count < 0 && at == 0)
+            throw EFileError(u"读图片失败：%1"_s.arg(stream.errorString()));
+        if (count <= 0)
+            break;
+    }
+    bytes.squeeze();
     return bytes;
 }
 

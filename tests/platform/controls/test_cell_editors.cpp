@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QSizeGrip>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -297,6 +298,18 @@ TEST_F(CellEditors, MemosAreAcceptedGivenUpAndRead)
     EXPECT_GE(frame->height(), 160);
     EXPECT_TRUE(grid.FWindow.rect().contains(frame->geometry()));
     EXPECT_EQ(grid.Memo()->accessibleName(), u"NOTE"_s);
+    const QSize before = frame->size();
+    auto *grip = frame->findChild<QSizeGrip *>();
+    const auto drag = [&](QEvent::Type type, QPoint to) {
+        QMouseEvent event(type, to, grip->mapToGlobal(to), Qt::LeftButton, Qt::LeftButton, {});
+        QApplication::sendEvent(grip, &event);
+    };
+    drag(QEvent::MouseButtonPress, {5, 5});
+    drag(QEvent::MouseMove, {5, 45});
+    drag(QEvent::MouseButtonRelease, {5, 45});
+    EXPECT_EQ(frame->size(), before + QSize(0, 40));
+    set->FieldByName(u"SEX")->SetDisplayLabel(u"性别"_s); // lays out the grid anew, and not the memo
+    EXPECT_EQ(frame->height(), before.height() + 40);
     TCellGrid::Press(*frame, u"确定"_s);
     EXPECT_EQ(grid.Place(), u"0,4 browse"_s) << "nothing was changed";
 

@@ -231,6 +231,17 @@ QColor ColorOf(TGridWindow &grid, qsizetype row, int column)
     return image.pixelColor((QPointF(cell.left() + 2, cell.center().y()) * image.devicePixelRatio()).toPoint());
 }
 
+/// The number of different colours within a cell.
+qsizetype ColorsIn(TGridWindow &grid, qsizetype row, int column)
+{
+    const QImage image = grid->viewport()->grab(grid->CellRect({row, column}).adjusted(2, 2, -2, -2)).toImage();
+    QSet<QRgb> colors;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            colors += image.pixel(x, y);
+    return colors.size();
+}
+
 TEST(DBGrid, PaintsRowsAndBlocksInTheirColours)
 {
     auto set = Items(8);
@@ -247,6 +258,13 @@ TEST(DBGrid, PaintsRowsAndBlocksInTheirColours)
     EXPECT_EQ(ColorOf(grid, 2, 0), grid->palette().color(QPalette::Base));
     EXPECT_EQ(ColorOf(grid, 6, 2), QColor(Qt::red)) << "each cell is asked with its own row's value";
     EXPECT_EQ(ColorOf(grid, 5, 2), alternating);
+    // Texts are there in every row, also beside frozen columns.
+    for (const int frozen : {0, 1}) {
+        grid->SetFixedCols(frozen);
+        for (qsizetype row = 0; row < 8; ++row)
+            EXPECT_GT(ColorsIn(grid, row, 3), 3) << row;
+    }
+    grid->SetFixedCols(0);
     grid.Type(u"<Shift+Down><Shift+Down><Shift+Left>"_s);
     EXPECT_EQ(grid->SelectedBlock().Bottom, 2);
     EXPECT_EQ(ColorOf(grid, 2, 2), grid->palette().color(QPalette::Highlight));

@@ -93,6 +93,21 @@ private:
     const QtMessageHandler FOuter;
 };
 
+class TEndless : public QIODevice
+{
+public:
+    TEndless() { open(ReadOnly | Unbuffered); }
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        memset(data, 0, size_t(size));
+        return size;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+};
+
 } // namespace
 
 TEST(Graphics, SamplesAreReadByTheirFirstBytesAndSavedUnchanged)
@@ -349,6 +364,29 @@ TEST(Graphics, AMetafileSaysThatItIsNotDrawn)
         for (int x = 20; x < 200; ++x)
             dark += canvas.pixelColor(x, y).lightness() < 200;
     EXPECT_GT(dark, 200);
+}
+
+/// A stream that never ends is left in time.
+TEST(Graphics, StreamsAreReadToTheirEnd)
+{
+    TEndless endless;
+    EXPECT_EQ(ReadAs([&] {
+                  auto icon = std::make_unique<TIcon>();
+                  icon->LoadFromStream(endless);
+                  return icon;
+              }),
+              u"图片的数据超过 256 MB，不能读入");
+    QBuffer closed;
+    EXPECT_THROW(TIcon().LoadFromStream(closed), EFileError);
+    QBuffer stream;
+    stream.setData("head" + TBitmap(TwoColors(4, 4)).ToBytes());
+    stream.open(QIODevice::ReadOnly);
+    stream.seek(4);
+    TBitmap bitmap;
+    bitmap.LoadFromStream(stream);
+    EXPECT_EQ(bitmap.Size(), QSize(4, 4));
+    EXPECT_TRUE(stream.atEnd());
+    EXPECT_THROW(bitmap.SaveToStream(stream), EFileError);
 }
 
 TEST(Color, FixedAndSystemColours)
