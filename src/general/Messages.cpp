@@ -8,8 +8,6 @@ namespace Korvane {
 
 namespace {
 
-constexpr int KeepOnTop = 0x40000;
-
 int ShowBox(const QString &text, int flags)
 {
     return Prompts::Current().MessageBox(text, ApplicationTitle(), flags);
@@ -17,11 +15,11 @@ int ShowBox(const QString &text, int flags)
 
 } // namespace
 
-int ShowMsg(const QString &text) { return ShowBox(text, KeepOnTop + MB_ICONINFORMATION + MB_OK); }
+int ShowMsg(const QString &text) { return ShowBox(text, MB_TOPMOST + MB_ICONINFORMATION + MB_OK); }
 
 int ShowDialog(const QString &text, int flags)
 {
-    return ShowBox(text, flags + KeepOnTop + MB_ICONQUESTION + MB_YESNO);
+    return ShowBox(text, flags + MB_TOPMOST + MB_ICONQUESTION + MB_YESNO);
 }
 
 } // namespace Korvane

@@ -482,7 +482,7 @@ private:
     void TellText(TwwDBGrid &grid)
     {
         const TGridCell cell = grid.CurrentCell();
-        if (!IsCheckBoxOf(grid, cell.Column))
+        if (cell.IsNull() || !IsCheckBoxOf(grid, cell.Column))
             return TellCell(grid, QAccessible::NameChanged);
         QAccessible::State changed;
         changed.checked = true;

@@ -17,8 +17,6 @@ namespace Korvane {
 
 namespace {
 
-constexpr int KeepOnTop = 0x40000;
-
 bool IsEnter(const QKeyEvent &event) { return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter; }
 
 bool Has(const QKeyEvent &event, Qt::KeyboardModifier modifier) { return event.modifiers().testFlag(modifier); }
@@ -153,7 +151,7 @@ void TwwDBGrid::DeleteRow()
         return;
     if (FOptions.testFlag(dgConfirmDelete)) {
         const int answer = Prompts::Current().MessageBox(u"确定要删除当前行吗？"_s, ApplicationTitle(),
-                                                         MB_YESNO + MB_ICONQUESTION + MB_DEFBUTTON2 + KeepOnTop);
+                                                         MB_YESNO + MB_ICONQUESTION + MB_DEFBUTTON2 + MB_TOPMOST);
         if (answer != IDYES || CurrentCell().IsNull())
             return;
     }

@@ -26,14 +26,35 @@ QList<TButton> ButtonsOf(int flags)
     const TButton cancel{IDCANCEL, QStringLiteral("取消"), {QStringLiteral("cancel"), QStringLiteral("c")}};
     const TButton yes{IDYES, QStringLiteral("是"), {QStringLiteral("yes"), QStringLiteral("y")}};
     const TButton no{IDNO, QStringLiteral("否"), {QStringLiteral("no"), QStringLiteral("n")}};
+    const TButton abort{IDABORT, QStringLiteral("中止"), {QStringLiteral("abort"), QStringLiteral("a")}};
+    const TButton retry{IDRETRY, QStringLiteral("重试"), {QStringLiteral("retry"), QStringLiteral("r")}};
+    const TButton ignore{IDIGNORE, QStringLiteral("忽略"), {QStringLiteral("ignore"), QStringLiteral("i")}};
     switch (flags & MB_BUTTONS) {
     case MB_OKCANCEL:
         return {ok, cancel};
+    case MB_ABORTRETRYIGNORE:
+        return {abort, retry, ignore};
+    case MB_YESNOCANCEL:
+        return {yes, no, cancel};
     case MB_YESNO:
         return {yes, no};
+    case MB_RETRYCANCEL:
+        return {retry, cancel};
     default:
         return {ok};
     }
+}
+
+qsizetype DefaultOf(int flags, qsizetype count)
+{
+    const int button = flags & MB_DEFAULT_BUTTONS;
+    return qMin<qsizetype>(button == MB_DEFBUTTON3 ? 2 : button == MB_DEFBUTTON2 ? 1 : 0, count - 1);
+}
+
+/// The answer that agrees to nothing: the last button, but for a failure that may be ignored.
+TMessageAnswer RefusalOf(const QList<TButton> &buttons)
+{
+    return buttons.first().Answer == IDABORT ? IDABORT : buttons.last().Answer;
 }
 
 QString Captions(const QList<TButton> &buttons, qsizetype defaultButton)
@@ -79,13 +100,13 @@ int TConsolePrompts::MessageBox(const QString &text, const QString &caption, int
     Print(caption.isEmpty() ? text + u'\n' : caption + QStringLiteral("：") + text + u'\n');
     if (buttons.size() == 1)
         return buttons.first().Answer; // nothing to choose, so nothing to wait for
-    const qsizetype defaultButton = flags & MB_DEFBUTTON2 ? 1 : 0;
+    const qsizetype defaultButton = DefaultOf(flags, buttons.size());
     for (;;) {
         Print(Captions(buttons, defaultButton) + QStringLiteral("："));
         QString line;
         if (!ReadLine(line)) {
             Print(QStringLiteral("\n"));
-            return buttons.last().Answer;
+            return RefusalOf(buttons);
         }
         if (line.isEmpty())
             return buttons[defaultButton].Answer;

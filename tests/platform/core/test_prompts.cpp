@@ -53,6 +53,12 @@ TEST(ConsolePrompts, AnswersMessageBoxes)
         {MB_OKCANCEL, "\n", IDOK},
         {MB_OKCANCEL, "取消\n", IDCANCEL},
         {MB_OKCANCEL | MB_DEFBUTTON2, "\n", IDCANCEL},
+        {MB_ABORTRETRYIGNORE, "", IDABORT},
+        {MB_ABORTRETRYIGNORE | MB_DEFBUTTON3, "\n", IDIGNORE},
+        {MB_YESNOCANCEL, "", IDCANCEL},
+        {MB_YESNOCANCEL | MB_DEFBUTTON2, "\n", IDNO},
+        {MB_RETRYCANCEL, "重试\n", IDRETRY},
+        {MB_RETRYCANCEL | MB_DEFBUTTON3, "\n", IDCANCEL}, // which it does not have
     };
     for (const auto &row : rows) {
         TScriptedConsole console(row.Input);
