@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -109,6 +111,32 @@ public:
 private:
     TestServer FServer;
     QString FName;
+};
+
+/// A test with a database of its own on a server, empty, and a connection to it. It skips where the
+/// server is not there.
+template <class Base> class WithServer : public Base
+{
+protected:
+    /// For SetUp, first; IsSkipped() tells whether there is anything to go on with.
+    void Open(ServerKind kind)
+    {
+        const auto server = ServerOf(kind);
+        if (!server)
+            GTEST_SKIP() << MissingServer(kind);
+        FDatabase = std::make_unique<ServerDatabase>(*server);
+        FConnection = FDatabase->Connect();
+    }
+    void TearDown() override
+    {
+        FConnection.reset();
+        FDatabase.reset();
+    }
+
+    QString Rows(const QString &statement) { return Testing::Rows(*FConnection, statement); }
+
+    std::unique_ptr<ServerDatabase> FDatabase;
+    std::unique_ptr<TADOConnection> FConnection;
 };
 
 } // namespace Korvane::Testing

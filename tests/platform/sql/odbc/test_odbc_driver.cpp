@@ -13,26 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class OdbcDriver : public ::testing::TestWithParam<ServerKind>
+class OdbcDriver : public WithServer<::testing::TestWithParam<ServerKind>>
 {
 protected:
-    void SetUp() override
-    {
-        const auto server = ServerOf(GetParam());
-        if (!server)
-            GTEST_SKIP() << MissingServer(GetParam());
-        FDatabase = std::make_unique<ServerDatabase>(*server);
-        FConnection = FDatabase->Connect();
-    }
-    void TearDown() override
-    {
-        FConnection.reset();
-        FDatabase.reset();
-    }
+    void SetUp() override { Open(GetParam()); }
 
     bool IsPostgres() const { return GetParam() == ServerKind::Postgres; }
     void Run(const QStringList &statements) { RunAll(*FConnection, statements); }
-    QString Rows(const QString &statement) { return Testing::Rows(*FConnection, statement); }
     qint64 Execute(const QString &statement, const QList<TSqlParameter> &parameters)
     {
         return FConnection->Execute(statement, {parameters.constData(), size_t(parameters.size())});
@@ -53,9 +40,6 @@ protected:
         const auto other = FDatabase->Connect();
         other->Query((IsPostgres() ? u"select pg_terminate_backend(%1)"_s : u"kill %1"_s).arg(number));
     }
-
-    std::unique_ptr<ServerDatabase> FDatabase;
-    std::unique_ptr<TADOConnection> FConnection;
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, OdbcDriver, ::testing::Values(ServerKind::Postgres, ServerKind::SqlServer),

@@ -20,24 +20,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class OdbcPostgres : public ::testing::Test
+class OdbcPostgres : public WithServer<::testing::Test>
 {
 protected:
-    void SetUp() override
-    {
-        const auto server = TestServer::Postgres();
-        if (!server)
-            GTEST_SKIP() << MissingServer(ServerKind::Postgres);
-        FDatabase = std::make_unique<ServerDatabase>(*server);
-        FConnection = FDatabase->Connect();
-    }
-    void TearDown() override
-    {
-        FConnection.reset();
-        FDatabase.reset();
-    }
+    void SetUp() override { Open(ServerKind::Postgres); }
 
-    QString Rows(const QString &statement) { return Testing::Rows(*FConnection, statement); }
     QString Path(const QString &name) const { return FFolder.filePath(name); }
     QStringList Files() const
     {
@@ -45,8 +32,6 @@ protected:
     }
 
     QTemporaryDir FFolder;
-    std::unique_ptr<ServerDatabase> FDatabase;
-    std::unique_ptr<TADOConnection> FConnection;
 };
 
 TEST_F(OdbcPostgres, a_database_may_have_any_name_that_the_server_keeps)

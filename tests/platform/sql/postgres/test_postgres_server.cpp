@@ -26,22 +26,14 @@ const QStringList Schema = {
     u"create index IX on T(A)"_s,
     u"create view V as select 1 as A"_s};
 
-class PostgresServer : public ::testing::Test
+class PostgresServer : public WithServer<::testing::Test>
 {
 protected:
     void SetUp() override
     {
-        const auto server = TestServer::Postgres();
-        if (!server)
-            GTEST_SKIP() << MissingServer(ServerKind::Postgres);
-        FDatabase = std::make_unique<ServerDatabase>(*server);
-        FServer = FDatabase->Connect();
-        RunAll(*FServer, Schema);
-    }
-    void TearDown() override
-    {
-        FServer.reset();
-        FDatabase.reset();
+        Open(ServerKind::Postgres);
+        if (!IsSkipped())
+            RunAll(*FConnection, Schema);
     }
 
     /// The rows of a query behind other statements, of which nothing stays; "fails" if one does.
@@ -51,16 +43,13 @@ protected:
         connection.BeginTrans();
         try {
             RunAll(connection, statements);
-            rows = Rows(connection, query);
+            rows = Testing::Rows(connection, query);
         } catch (const Exception &error) {
             rows = u"fails"_s;
         }
         connection.RollbackTrans();
         return rows;
     }
-
-    std::unique_ptr<ServerDatabase> FDatabase;
-    std::unique_ptr<TADOConnection> FServer;
 };
 
 TEST_F(PostgresServer, RunsEveryRow)
@@ -72,13 +61,13 @@ TEST_F(PostgresServer, RunsEveryRow)
         if (row.Expected[0] == '!' || id == "server"_L1 || id == "parameter"_L1 || id == "transaction"_L1 ||
             statement.contains("x.dbo"_L1))
             continue;
-        FServer->BeginTrans();
+        FConnection->BeginTrans();
         try {
-            FServer->Query(statement);
+            FConnection->Query(statement);
         } catch (const Exception &error) {
             ADD_FAILURE() << row.Id << ": " << row.Statement << ": " << error.what();
         }
-        FServer->RollbackTrans();
+        FConnection->RollbackTrans();
     }
 }
 
@@ -201,7 +190,7 @@ TEST_F(PostgresServer, DoesAsTheEmbeddedEngineDoes)
     for (const TRow &row : rows) {
         const QStringList statements = QString::fromUtf8(row.Statement).split(u" ;; "_s, Qt::SkipEmptyParts);
         const QString query = QString::fromUtf8(row.Query);
-        EXPECT_EQ(Outcome(*FServer, statements, query).toStdString(),
+        EXPECT_EQ(Outcome(*FConnection, statements, query).toStdString(),
                   Outcome(*local, statements, query).toStdString())
             << row.Statement << "\n"
             << row.Query;
@@ -239,7 +228,7 @@ TEST_F(PostgresServer, DiffersWhereTheDocumentSaysSo)
         {"", "select count(*) from master..sysdatabases where name='postgres'", "1"},
     };
     for (const TRow &row : rows)
-        EXPECT_EQ(Outcome(*FServer, QString::fromUtf8(row.Statement).split(u" ;; "_s, Qt::SkipEmptyParts),
+        EXPECT_EQ(Outcome(*FConnection, QString::fromUtf8(row.Statement).split(u" ;; "_s, Qt::SkipEmptyParts),
                           QString::fromUtf8(row.Query))
                       .toStdString(),
                   row.Rows)
@@ -249,19 +238,19 @@ TEST_F(PostgresServer, DiffersWhereTheDocumentSaysSo)
 
 TEST_F(PostgresServer, CountsTheRowsOfTheStatementBefore)
 {
-    FServer->Execute(u"update T set F='N'"_s);
-    EXPECT_EQ(Rows(*FServer, u"select @@rowcount"_s), u"2"_s);
-    EXPECT_EQ(Rows(*FServer, u"delete T where ID=1 select @@rowcount"_s), u"1"_s);
+    FConnection->Execute(u"update T set F='N'"_s);
+    EXPECT_EQ(Rows(u"select @@rowcount"_s), u"2"_s);
+    EXPECT_EQ(Rows(u"delete T where ID=1 select @@rowcount"_s), u"1"_s);
 }
 
 TEST_F(PostgresServer, NumbersGoOnBehindThoseOfAnotherSession)
 {
-    FServer->Execute(u"create table X(A int identity)"_s);
+    FConnection->Execute(u"create table X(A int identity)"_s);
     const auto other = FDatabase->Connect();
     other->Execute(u"insert into X(A) values(7)"_s);
-    FServer->Execute(u"insert into X values(null)"_s);
-    EXPECT_EQ(Rows(*other, u"select A from X order by A"_s), u"7 / 8"_s);
-    EXPECT_EQ(Rows(*FServer, u"select @@identity"_s), u"8"_s);
+    FConnection->Execute(u"insert into X values(null)"_s);
+    EXPECT_EQ(Testing::Rows(*other, u"select A from X order by A"_s), u"7 / 8"_s);
+    EXPECT_EQ(Rows(u"select @@identity"_s), u"8"_s);
 }
 
 } // namespace
