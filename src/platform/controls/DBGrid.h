@@ -278,6 +278,8 @@ private:
     };
 
     TCellControl ControlFor(const TwwColumn &column) const;
+    static constexpr int CellMargin = 4; ///< pixels left and right of a text, the line beside it included
+
     TDataSetRows Rows() const;
     bool IsUpdating() const { return FUpdateCount > 0; }
     /// A column looks otherwise, or is shown or not.

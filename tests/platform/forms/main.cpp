@@ -2,9 +2,7 @@
 // The main function of the tests that are about the application object itself.
 #include "platform/forms/Application.h"
 #include "support/FailOnWarning.h"
-
-#include <QFont>
-#include <QStyleFactory>
+#include "support/WidgetLook.h"
 
 /// Exceptions that pass through Qt's widgets leave behind what those had in hand: they are compiled without
 /// the code that cleans up.
@@ -13,11 +11,7 @@ extern "C" const char *__asan_default_options() { return "detect_leaks=0"; }
 int main(int argc, char **argv)
 {
     Korvane::TApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("korvane-test"));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QFont font(QStringLiteral("Noto Sans CJK SC"));
-    font.setPixelSize(14);
-    QApplication::setFont(font);
+    Korvane::Testing::SetLook();
     testing::InitGoogleTest(&argc, argv);
     qInstallMessageHandler(Korvane::Testing::FailOnWarning);
     return RUN_ALL_TESTS();
