@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/controls/CellEditor.h"
 
-#include <QWidget>
+#include <QKeyEvent>
+#include <QLineEdit>
 
 namespace Korvane {
 
@@ -25,6 +26,34 @@ std::unique_ptr<TCellEditor> MakeCellEditor(const TCellEditorRequest &request)
         return MakeMemoEditor(request);
     default:
         return MakeTextEditor(request);
+    }
+}
+
+bool LineKeepsKey(const QLineEdit &line, const QKeyEvent &key)
+{
+    const bool isPlain = !(key.modifiers() & ~Qt::KeypadModifier) && !line.hasSelectedText();
+    switch (key.key()) {
+    case Qt::Key_Left:
+        return !isPlain || line.cursorPosition() > 0;
+    case Qt::Key_Right:
+        return !isPlain || line.cursorPosition() < line.text().size();
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Escape:
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+    case Qt::Key_F2:
+    case Qt::Key_F4:
+        return false;
+    case Qt::Key_Insert:
+    case Qt::Key_Delete:
+        return !(key.modifiers() & Qt::ControlModifier);
+    default:
+        return true;
     }
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 
 class QKeyEvent;
+class QLineEdit;
 class QWidget;
 
 namespace Korvane {
@@ -56,6 +57,10 @@ struct TCellEditorRequest
 
 /// The editor for the kind of control; one without an editor of its own is edited as a text.
 std::unique_ptr<TCellEditor> MakeCellEditor(const TCellEditorRequest &request);
+
+/// Whether a line in a cell needs a key itself: the arrows until the text's end is reached, and none
+/// by which a grid leaves the cell.
+bool LineKeepsKey(const QLineEdit &line, const QKeyEvent &key);
 
 // Each kind, in a file of its own.
 std::unique_ptr<TCellEditor> MakeTextEditor(const TCellEditorRequest &request);

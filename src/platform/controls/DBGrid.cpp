@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/controls/DBGrid.h"
 
+#include "platform/controls/DBGridAccessible.h"
 #include "platform/controls/DataSetRows.h"
 #include "platform/controls/GridEditing.h"
 #include "platform/controls/GridPainter.h"
@@ -30,6 +31,7 @@ TwwDBGrid::TwwDBGrid(QWidget *parent)
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
+    InstallGridAccessibility();
     MeasureText();
 }
 
@@ -71,6 +73,7 @@ void TwwDBGrid::TLink::RecordChanged(TField *field)
     if (!field || field == FGrid.FEditing->Field())
         FGrid.FEditing->Reload();
     FGrid.FTotals->Forget();
+    CurrentCellChanged(FGrid);
     FGrid.viewport()->update();
 }
 
@@ -134,6 +137,7 @@ void TwwDBGrid::UpdateCurrent()
     if (IsUpdating())
         return;
     FEditing->UpdateCustomControl();
+    CurrentCellChanged(*this);
     if (hasFocus())
         QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImCursorRectangle);
     viewport()->update();

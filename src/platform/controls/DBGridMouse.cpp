@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The mouse on a grid, and the focus.
 #include "platform/controls/DBGrid.h"
+#include "platform/controls/DBGridAccessible.h"
 #include "platform/controls/DataSetRows.h"
 #include "platform/controls/GridEditing.h"
 #include "platform/controls/GridTitles.h"
@@ -122,12 +123,14 @@ void TwwDBGrid::wheelEvent(QWheelEvent *event)
 void TwwDBGrid::focusInEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusInEvent(event);
+    CurrentCellChanged(*this);
     viewport()->update();
 }
 
 void TwwDBGrid::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
+    CurrentCellChanged(*this);
     viewport()->update();
 }
 

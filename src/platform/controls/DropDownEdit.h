@@ -16,36 +16,6 @@
 
 namespace Korvane {
 
-/// Whether a line in a cell needs a key itself: the arrows until the text's end is reached, and none
-/// by which a grid leaves the cell.
-inline bool LineKeepsKey(const QLineEdit &line, const QKeyEvent &key)
-{
-    const bool isPlain = !(key.modifiers() & ~Qt::KeypadModifier) && !line.hasSelectedText();
-    switch (key.key()) {
-    case Qt::Key_Left:
-        return !isPlain || line.cursorPosition() > 0;
-    case Qt::Key_Right:
-        return !isPlain || line.cursorPosition() < line.text().size();
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Escape:
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-    case Qt::Key_F2:
-    case Qt::Key_F4:
-        return false;
-    case Qt::Key_Insert:
-    case Qt::Key_Delete:
-        return !(key.modifiers() & Qt::ControlModifier);
-    default:
-        return true;
-    }
-}
-
 /// The arrow on the right of a line that has something to drop down.
 class TDropDownButton : public QAbstractButton
 {

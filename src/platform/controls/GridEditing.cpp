@@ -135,7 +135,7 @@ void TGridEditing::Close()
     FIsModified = false;
     FField = nullptr;
     // NOTE: the editor may be what called; it goes when the event is over.
-    TCellEditor *editor = FEditor.release();
+    TCellEditor *editor = FClosed.emplace_back(std::move(FEditor)).get();
     editor->OnChange = nullptr;
     editor->OnAccept = nullptr;
     QWidget *widget = editor->Widget();
@@ -145,7 +145,7 @@ void TGridEditing::Close()
     if (hadFocus)
         FGrid.setFocus();
     widget->hide();
-    QMetaObject::invokeMethod(&FGrid, [editor] { delete editor; }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&FGrid, [this] { FClosed.clear(); }, Qt::QueuedConnection);
     FGrid.viewport()->update();
 }
 

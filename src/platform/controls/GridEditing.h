@@ -62,6 +62,7 @@ private:
 
     TwwDBGrid &FGrid;
     std::unique_ptr<TCellEditor> FEditor;
+    std::vector<std::unique_ptr<TCellEditor>> FClosed; // which may still be running
     QPointer<TField> FField;
     bool FIsModified = false;
     bool FIsStoring = false;

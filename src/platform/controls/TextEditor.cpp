@@ -53,34 +53,7 @@ public:
     void Store(TField &field) override { field.SetText(FEdit->text()); }
     void TypeOver(const QString &text) override { FEdit->setText(text); }
 
-    /// The arrows stay until the text's end is reached.
-    bool KeepsKey(const QKeyEvent &key) const override
-    {
-        const bool isPlain = !(key.modifiers() & ~Qt::KeypadModifier) && !FEdit->hasSelectedText();
-        switch (key.key()) {
-        case Qt::Key_Left:
-            return !isPlain || FEdit->cursorPosition() > 0;
-        case Qt::Key_Right:
-            return !isPlain || FEdit->cursorPosition() < FEdit->text().size();
-        case Qt::Key_Up:
-        case Qt::Key_Down:
-        case Qt::Key_PageUp:
-        case Qt::Key_PageDown:
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-        case Qt::Key_Escape:
-        case Qt::Key_Tab:
-        case Qt::Key_Backtab:
-        case Qt::Key_F2:
-        case Qt::Key_F4:
-            return false;
-        case Qt::Key_Insert:
-        case Qt::Key_Delete:
-            return !(key.modifiers() & Qt::ControlModifier);
-        default:
-            return true;
-        }
-    }
+    bool KeepsKey(const QKeyEvent &key) const override { return LineKeepsKey(*FEdit, key); }
 
 private:
     const std::unique_ptr<TCellEdit> FEdit;

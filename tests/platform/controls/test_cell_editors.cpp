@@ -33,22 +33,6 @@ std::unique_ptr<TClientDataSet> Cells(const QString &memo = u"一\r\n二"_s)
                      {{"M", Stamp, Stamp, "20261123", memo, "r"}, {"F", {}, {}, {}, {}, {}}});
 }
 
-/// The offscreen platform warns that it has nothing of what a popup asks for.
-class CellEditors : public testing::Test
-{
-protected:
-    CellEditors() { FBefore = qInstallMessageHandler(Handle); }
-    ~CellEditors() override { qInstallMessageHandler(FBefore); }
-
-private:
-    static void Handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
-    {
-        if (!text.startsWith(u"This plugin does not support"))
-            FBefore(type, context, text);
-    }
-    inline static QtMessageHandler FBefore = nullptr;
-};
-
 struct TCellGrid : TGridWindow
 {
     explicit TCellGrid(TDataSet &set) : TGridWindow(set)
@@ -74,7 +58,7 @@ struct TCellGrid : TGridWindow
     }
 };
 
-TEST_F(CellEditors, ListsStoreWhatTheirTextsStandFor)
+TEST(CellEditors, ListsStoreWhatTheirTextsStandFor)
 {
     struct
     {
@@ -111,7 +95,7 @@ TEST_F(CellEditors, ListsStoreWhatTheirTextsStandFor)
     }
 }
 
-TEST_F(CellEditors, ListsTakeTheMouseAndInputMethodsAndRefuseWhatIsTooLong)
+TEST(CellEditors, ListsTakeTheMouseAndInputMethodsAndRefuseWhatIsTooLong)
 {
     auto set = Cells();
     TCellGrid grid(*set);
@@ -161,7 +145,7 @@ TEST_F(CellEditors, ListsTakeTheMouseAndInputMethodsAndRefuseWhatIsTooLong)
     EXPECT_FALSE(grid.Popup()) << "the list goes with its cell";
 }
 
-TEST_F(CellEditors, DatesAreTakenInTheirForms)
+TEST(CellEditors, DatesAreTakenInTheirForms)
 {
     struct
     {
@@ -210,7 +194,7 @@ TEST_F(CellEditors, DatesAreTakenInTheirForms)
     }
 }
 
-TEST_F(CellEditors, CalendarsChangeTheDayAndNotTheTime)
+TEST(CellEditors, CalendarsChangeTheDayAndNotTheTime)
 {
     for (const int column : {1, 2, 3}) {
         SCOPED_TRACE(column);
@@ -258,7 +242,7 @@ TEST_F(CellEditors, CalendarsChangeTheDayAndNotTheTime)
     EXPECT_EQ(set->Fields()[2]->AsString(), u"2024-02-29 08:30:00"_s);
 }
 
-TEST_F(CellEditors, MemosKeepTheirLineEnds)
+TEST(CellEditors, MemosKeepTheirLineEnds)
 {
     struct
     {
@@ -286,7 +270,7 @@ TEST_F(CellEditors, MemosKeepTheirLineEnds)
     }
 }
 
-TEST_F(CellEditors, MemosAreAcceptedGivenUpAndRead)
+TEST(CellEditors, MemosAreAcceptedGivenUpAndRead)
 {
     auto set = Cells();
     TCellGrid grid(*set);
@@ -357,7 +341,7 @@ TEST_F(CellEditors, MemosAreAcceptedGivenUpAndRead)
     EXPECT_EQ(note.AsString(), u"zw"_s);
 }
 
-TEST_F(CellEditors, MemosStandOverTheCellWhereTheFormEnds)
+TEST(CellEditors, MemosStandOverTheCellWhereTheFormEnds)
 {
     auto set = Cells();
     TCellGrid grid(*set);
