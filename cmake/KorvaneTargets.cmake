@@ -68,10 +68,10 @@ function(korvane_library folder)
   set_property(GLOBAL APPEND PROPERTY KORVANE_LIBRARIES ${target})
 endfunction()
 
-# korvane_test(folder [SOURCES …] [LINKS …] [LABEL pure|contract|files|widget|window])
+# korvane_test(folder [SOURCES …] [LINKS …] [LABEL pure|contract|files|widget])
 #
-# One test program per folder, linked with that folder's target alone and what is named. Tests of the
-# labels widget and window have windows: without a display, and on one.
+# One test program per folder, linked with that folder's target alone and what is named. Tests of
+# the label widget have windows, which nobody sees.
 function(korvane_test folder)
   cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS" ${ARGN})
   string(REPLACE "/" "_" name test_${folder})
@@ -80,15 +80,11 @@ function(korvane_test folder)
     set(ARG_LABEL pure)
   endif()
   set(testing korvane_testing)
-  if(ARG_LABEL MATCHES "widget|window")
+  if(ARG_LABEL STREQUAL "widget")
     set(testing korvane_widget_testing)
-  endif()
-  set(display offscreen)
-  if(ARG_LABEL STREQUAL "window")
-    set(display xcb)
   endif()
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} ${testing} korvane_options)
   target_precompile_headers(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/precompiled.h)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 DISCOVERY_MODE PRE_TEST
-                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 600 ENVIRONMENT "QT_QPA_PLATFORM=${display}")
+                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 600 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
