@@ -5,7 +5,8 @@ set -euo pipefail
 
 packages=(
   g++ make cmake ninja-build ccache pkg-config
-  qt6-base-dev          # Qt Core and Network; Qt SQL is the peer of the benchmarks
+  qt6-base-dev          # Qt Core, Network, Gui and Widgets; Qt SQL is the peer of the benchmarks
+  qt6-translations-l10n # Chinese texts of Qt's own dialogs
   libqt6sql6-sqlite     # the drivers of that peer
   libqt6sql6-odbc
   libsqlite3-dev        # the embedded engine
@@ -23,6 +24,8 @@ packages=(
   libicu-dev            # code page 936, simplified and traditional Chinese
   python3-xlrd          # readers of spreadsheet files, for the tests
   python3-openpyxl
+  xvfb xauth            # the virtual display of window tests and of the demonstration
+  fonts-noto-cjk        # Chinese letters on it
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
