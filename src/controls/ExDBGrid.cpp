@@ -199,6 +199,17 @@ void TExDBGrid::DblClick()
     TwwDBGrid::DblClick();
 }
 
+bool TExDBGrid::MayChangeRows() const
+{
+    return TwwDBGrid::MayChangeRows() && !DataSet()->FindField(SelectField);
+}
+
+void TExDBGrid::DeleteRecord()
+{
+    auto *dataSet = qobject_cast<TExCustomDataSet *>(DataSet());
+    dataSet ? dataSet->Delete() : TwwDBGrid::DeleteRecord();
+}
+
 /// A tick goes into the rows in memory at once, without a statement.
 void TExDBGrid::DoFieldChanged(TField *field)
 {

@@ -59,6 +59,10 @@ protected:
     void DoTitleButtonClick(const QString &fieldName) override;
     /// Names of properties lead to the fields of their columns.
     TField *FieldOfColumn(const QString &name) const override;
+    /// Never where rows are marked: nothing but the tick is edited there.
+    bool MayChangeRows() const override;
+    /// In the database as well, as the dataset's own Delete does.
+    void DeleteRecord() override;
 
 private:
     void AddSelectColumn(const TDataSet &dataSet);

@@ -5,6 +5,7 @@
 #include "design/DBDFile.h"
 #include "platform/controls/GridTesting.h"
 #include "platform/core/Cursor.h"
+#include "support/ScriptedPrompts.h"
 
 using namespace Korvane;
 using namespace Korvane::Testing;
@@ -166,6 +167,12 @@ TEST_F(ExDBGridTest, OnlyTheTickColumnIsEditedWhereRowsAreMarked)
     Click(2, 0);
     EXPECT_EQ(ViewOf(Table, u"FSELECTED"_s), u"N N >Y"_s);
 
+    {
+        const PromptScript nothingIsAsked;
+        QTest::keyClick(Grid, Qt::Key_Delete, Qt::ControlModifier);
+        QTest::keyClick(Grid, Qt::Key_Insert);
+        EXPECT_EQ(ViewOf(Table, u"FSELECTED"_s), u"N N >Y"_s) << "rows neither come nor go";
+    }
     Table.SetFilter(u"UNITCODE='none'"_s);
     Table.SetFiltered(true);
     Grid->SetSelectedIndex(1);
@@ -202,6 +209,19 @@ TEST_F(ExDBGridTest, PicturesHaveOneControlForEachColumn)
     (new QObject(&Window))->setObjectName(u"_IMGdbgItemsPicture"_s);
     EXPECT_THROW(Grid->LinkActive(true), EInvalidCast);
     Grid->grab();
+}
+
+TEST_F(ExDBGridTest, DeletedRowsGoFromTheDatabaseToo)
+{
+    RegisterClass<TUnit>();
+    Open(u"UNIT"_s);
+    Table.SetCommitType(ctCommit); // without a session, so that the statement is refused
+    Grid->SetOptions(Grid->Options() & ~dgConfirmDelete);
+    EXPECT_THROW(QTest::keyClick(Grid, Qt::Key_Delete, Qt::ControlModifier), Exception);
+    EXPECT_EQ(Table.RecordCount(), 3);
+    Table.SetCommitType(ctBatchCommit);
+    QTest::keyClick(Grid, Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(Table.RecordCount(), 2);
 }
 
 TEST_F(ExDBGridTest, TurnsOfTheWheelMoveTheRow)

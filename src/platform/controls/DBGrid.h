@@ -225,6 +225,10 @@ protected:
     virtual void DoCalcTitleImage(TField *field, TTitleImageAttributes &attributes);
     /// The field of a line of the selected list; null makes no column.
     virtual TField *FieldOfColumn(const QString &name) const;
+    /// Whether keys may insert and delete rows, besides what KeyOptions say.
+    virtual bool MayChangeRows() const;
+    /// Deletes the current row of the dataset.
+    virtual void DeleteRecord();
 
     /// Tells OnMouseWheel; false when it has been handled.
     bool TellMouseWheel(int delta);

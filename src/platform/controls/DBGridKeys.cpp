@@ -125,7 +125,7 @@ bool TwwDBGrid::HandleRowKey(QKeyEvent &event)
 {
     const bool isControl = event.modifiers() == Qt::ControlModifier;
     if (event.key() == Qt::Key_Delete && isControl) {
-        if (FKeyOptions.testFlag(dgAllowDelete) && !FReadOnly)
+        if (FKeyOptions.testFlag(dgAllowDelete) && MayChangeRows())
             DeleteRow();
         return true;
     }
@@ -141,9 +141,15 @@ bool TwwDBGrid::HandleRowKey(QKeyEvent &event)
 
 bool TwwDBGrid::CanInsert() const
 {
-    return FKeyOptions.testFlag(dgAllowInsert) && !FReadOnly && FOptions.testFlag(dgEditing) && FLink.Active() &&
-           DataSet()->CanModify() && DataSource()->AutoEdit();
+    return FKeyOptions.testFlag(dgAllowInsert) && MayChangeRows() && FLink.Active() && DataSource()->AutoEdit();
 }
+
+bool TwwDBGrid::MayChangeRows() const
+{
+    return !FReadOnly && FOptions.testFlag(dgEditing) && DataSet() && DataSet()->CanModify();
+}
+
+void TwwDBGrid::DeleteRecord() { DataSet()->Delete(); }
 
 void TwwDBGrid::DeleteRow()
 {
@@ -156,7 +162,7 @@ void TwwDBGrid::DeleteRow()
             return;
     }
     CancelEdit();
-    DataSet()->Delete();
+    DeleteRecord();
 }
 
 /// Appends a row, unless the last one is new and empty already.

@@ -260,7 +260,8 @@ void TForm::SetBorderStyle(TBorderStyle style)
         flags = Qt::Dialog | titled;
     const bool wasVisible = isVisible();
     setWindowFlags(flags | (windowFlags() & Qt::WindowStaysOnTopHint));
-    FixSize();
+    if (wasVisible || FIsFixed) // else when it is shown, with what it has come to hold
+        FixSize();
     setVisible(wasVisible); // new flags hide a window
 }
 

@@ -297,6 +297,15 @@ TEST(FormTest, PositionsAndFixedSizes)
     form.resize(200, 210);
     EXPECT_EQ(form.size(), QSize(200, 210));
     TApplication::Instance()->SetMainForm(nullptr);
+
+    TForm dialog;
+    dialog.SetBorderStyle(bsDialog);
+    auto *content = new QWidget;
+    content->setMinimumSize(400, 300);
+    dialog.setCentralWidget(content);
+    dialog.show();
+    EXPECT_TRUE(dialog.rect().contains(content->geometry())) << "fixed with what it holds when it is shown";
+    EXPECT_EQ(dialog.minimumSize(), dialog.maximumSize());
 }
 
 TEST(FormTest, ComponentsAreFoundByName)
