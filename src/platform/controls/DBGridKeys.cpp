@@ -213,9 +213,14 @@ bool TwwDBGrid::HandleMoveKey(QKeyEvent &event)
         return begins && FLink.Active() && GoToNewRow();
     }
     if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
-        if (!FOptions.testFlag(dgTabs) || Has(event, Qt::ControlModifier))
+        const bool isForward = event.key() == Qt::Key_Tab && !Has(event, Qt::ShiftModifier);
+        if (!FOptions.testFlag(dgTabs))
             return false;
-        event.key() == Qt::Key_Tab && !Has(event, Qt::ShiftModifier) ? GoToNextCell() : GoToPreviousCell();
+        if (Has(event, Qt::ControlModifier)) { // out of the grid
+            CommitEdit();
+            return QAbstractScrollArea::focusNextPrevChild(isForward);
+        }
+        isForward ? GoToNextCell() : GoToPreviousCell();
         return true;
     }
     if (IsEnter(event)) {

@@ -11,6 +11,9 @@
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QToolTip>
+
+using namespace Qt::StringLiterals;
 
 namespace Korvane {
 
@@ -93,6 +96,35 @@ void TwwDBGrid::contextMenuEvent(QContextMenuEvent *event)
 {
     if (!FTitles->ShowMenu(*event))
         QAbstractScrollArea::contextMenuEvent(event);
+}
+
+/// A text that does not fit its cell or title is shown as a whole under the mouse.
+bool TwwDBGrid::viewportEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractScrollArea::viewportEvent(event);
+    const auto &help = static_cast<QHelpEvent &>(*event);
+    const TGridCell cell = CellAt(help.pos());
+    const bool isTitle = help.pos().y() < FLayout.TitleHeight;
+    QString text;
+    if (cell.Column >= 0 && isTitle) {
+        text = Columns(cell.Column)->DisplayLabel();
+    } else if (!cell.IsNull() && Columns(cell.Column)->Field() && Columns(cell.Column)->Control().Kind != ckCheckBox) {
+        const TDataSetRows rows = Rows();
+        const TDataSetRows::TReading reading(rows, cell.Row);
+        text = CellText(*Columns(cell.Column));
+    }
+    const int room = cell.Column < 0 ? 0 : FLayout.ColumnWidth(cell.Column) - 2 * CellMargin;
+    const bool fits = QFontMetrics(font()).horizontalAdvance(text) <= room;
+    if (fits) {
+        QToolTip::hideText();
+        event->ignore();
+        return true;
+    }
+    const QRect place = isTitle ? FLayout.TitleRect(cell.Column) : FLayout.CellRect(cell);
+    const QString page = u"<p style='white-space:pre-wrap'>%1</p>"_s.arg(text.toHtmlEscaped());
+    QToolTip::showText(help.globalPos(), page, viewport(), place);
+    return true;
 }
 
 bool TwwDBGrid::TellMouseWheel(int delta)

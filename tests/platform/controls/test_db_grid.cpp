@@ -4,6 +4,7 @@
 #include "platform/data/dataset/Fields.h"
 #include "platform/graphics/ImageList.h"
 
+#include <QLineEdit>
 #include <QScrollBar>
 
 using namespace Korvane;
@@ -85,6 +86,26 @@ TEST(DBGrid, FollowsTheDatasetAndLeadsIt)
     grid.Click(90, 1);
     EXPECT_EQ(grid.Place(), u"90,1 browse"_s);
     EXPECT_EQ(set->RecNo(), 91);
+}
+
+TEST(DBGrid, IsLeftByTheKeyboard)
+{
+    auto set = Items();
+    TGridWindow grid(*set);
+    QLineEdit before(&grid.FWindow), after(&grid.FWindow);
+    QWidget::setTabOrder(&before, grid.Grid);
+    QWidget::setTabOrder(grid.Grid, &after);
+    before.show(), after.show();
+    grid.Type(u"<Ctrl+Tab>"_s);
+    EXPECT_TRUE(after.hasFocus());
+    grid->setFocus();
+    grid.Type(u"<Ctrl+Shift+Backtab>"_s);
+    EXPECT_TRUE(before.hasFocus());
+    grid->setFocus();
+    grid->SetOptions(grid->Options() & ~dgTabs);
+    grid.Type(u"<Tab>"_s);
+    EXPECT_TRUE(after.hasFocus());
+    EXPECT_EQ(grid.Place(), u"0,0 browse"_s);
 }
 
 TEST(DBGrid, ScrollsWithoutMovingTheRow)
