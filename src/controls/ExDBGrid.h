@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 
 namespace Korvane {
 

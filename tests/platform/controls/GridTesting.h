@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 #include "support/DataSets.h"
 
 #include <QSignalSpy>
@@ -33,7 +33,8 @@ public:
     /// Clicks into the middle of a cell.
     void Click(qsizetype row, int column, Qt::KeyboardModifiers modifiers = {})
     {
-        QTest::mouseClick(Grid->viewport(), Qt::LeftButton, modifiers, Grid->CellRect({row, column}).center());
+        QTest::mouseClick(Grid->viewport(), Qt::LeftButton, modifiers,
+                          Grid->CellRect({row, column}).center());
     }
     QPoint TitleOf(int column) const { return Grid->Layout().TitleRect(column).center(); }
     void ClickTitle(int column) { QTest::mouseClick(Grid->viewport(), Qt::LeftButton, {}, TitleOf(column)); }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What screen readers see of a grid, and what they are told.
-#include "platform/controls/DBGridAccessible.h"
 #include "platform/controls/GridTesting.h"
+#include "platform/controls/grid/DBGridAccessible.h"
 
 #include <QAccessible>
 

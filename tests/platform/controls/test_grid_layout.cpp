@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridLayout.h"
-#include "platform/controls/GridColumn.h"
-#include "platform/controls/TabText.h"
+#include "platform/controls/grid/GridColumn.h"
+#include "platform/controls/grid/GridLayout.h"
+#include "platform/controls/grid/TabText.h"
 
 using namespace Korvane;
 using namespace Qt::StringLiterals;
@@ -35,14 +35,14 @@ TEST(GridLayout, FindsCellsUnderPoints)
         QPoint Point;
         TGridCell Cell;
     } const cases[] = {
-        {{5, 40}, {999'990, -1}},    // the indicator
-        {{10, 30}, {999'990, 0}},    // frozen: where it was
-        {{109, 49}, {999'990, 0}},   // its last pixel
-        {{110, 50}, {999'991, 2}},   // behind it the scrolled ones: 110 is 50 into the second scrolling one
-        {{159, 99}, {999'993, 2}},   // half a row
-        {{160, 40}, {999'990, 3}},   //
-        {{299, 29}, {-1, 4}},        // titles
-        {{299, 100}, {-1, 4}},       // totals
+        {{5, 40}, {999'990, -1}},  // the indicator
+        {{10, 30}, {999'990, 0}},  // frozen: where it was
+        {{109, 49}, {999'990, 0}}, // its last pixel
+        {{110, 50}, {999'991, 2}}, // behind it the scrolled ones: 110 is 50 into the second scrolling one
+        {{159, 99}, {999'993, 2}}, // half a row
+        {{160, 40}, {999'990, 3}}, //
+        {{299, 29}, {-1, 4}},      // titles
+        {{299, 100}, {-1, 4}},     // totals
     };
     for (const auto &each : cases) {
         EXPECT_EQ(layout.RowAt(each.Point.y()), each.Cell.Row) << each.Point.x();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "examples/orders/window/script/BusyMeter.h"
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 
 #include <QObject>
 

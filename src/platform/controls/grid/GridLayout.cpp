@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridLayout.h"
+#include "platform/controls/grid/GridLayout.h"
 
 #include <algorithm>
 

@@ -8,12 +8,12 @@ namespace Korvane {
 
 /// The kinds of controls in cells.
 enum TCellControlKind {
-    ckText,       ///< an edit of one line
-    ckCheckBox,   ///< "CheckBox;checked;unchecked": the two values, in texts
-    ckComboBox,   ///< "ComboBox;item;item…": a list; an item "shown=stored" stores another text
-    ckDate,       ///< "DateTimePicker": a calendar
-    ckMemo,       ///< "Memo": a window of several lines
-    ckCustomEdit  ///< "CustomEdit;name;T": the control of that name on the form
+    ckText,      ///< an edit of one line
+    ckCheckBox,  ///< "CheckBox;checked;unchecked": the two values, in texts
+    ckComboBox,  ///< "ComboBox;item;item…": a list; an item "shown=stored" stores another text
+    ckDate,      ///< "DateTimePicker": a calendar
+    ckMemo,      ///< "Memo": a window of several lines
+    ckCustomEdit ///< "CustomEdit;name;T": the control of that name on the form
 };
 
 /// The control of one column, by a line of the control table: a field's name and control data, all

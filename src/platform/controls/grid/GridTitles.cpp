@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridTitles.h"
+#include "platform/controls/grid/GridTitles.h"
 
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -79,7 +79,8 @@ bool TGridTitles::Move(const QMouseEvent &event)
         const TGridLayout &layout = FGrid.Layout();
         const int column = layout.ColumnAt(position.x());
         const bool isBehind = column >= 0 && position.x() > layout.TitleRect(column).center().x();
-        FTarget = column < 0 ? (position.x() < layout.IndicatorWidth ? 0 : layout.ColumnCount()) : column + isBehind;
+        FTarget = column < 0 ? (position.x() < layout.IndicatorWidth ? 0 : layout.ColumnCount())
+                             : column + isBehind;
         FGrid.viewport()->update();
         return true;
     }
@@ -121,7 +122,8 @@ bool TGridTitles::DoubleClick(const QMouseEvent &event)
 
 bool TGridTitles::ShowMenu(const QContextMenuEvent &event)
 {
-    if (!IsInTitles(event.pos()) || !FGrid.Options().testFlag(dgColumnMenu) || event.reason() != QContextMenuEvent::Mouse)
+    if (!IsInTitles(event.pos()) || !FGrid.Options().testFlag(dgColumnMenu) ||
+        event.reason() != QContextMenuEvent::Mouse)
         return false;
     auto *menu = new QMenu(&FGrid);
     menu->setAttribute(Qt::WA_DeleteOnClose);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/CellEditor.h"
-#include "platform/controls/DBGridTypes.h"
+#include "platform/controls/editors/CellEditor.h"
+#include "platform/controls/grid/DBGridTypes.h"
 
 #include <QPointer>
 

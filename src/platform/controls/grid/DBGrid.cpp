@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 
-#include "platform/controls/DBGridAccessible.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/GridPainter.h"
-#include "platform/controls/GridTitles.h"
-#include "platform/controls/GridTotals.h"
+#include "platform/controls/grid/DBGridAccessible.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/GridPainter.h"
+#include "platform/controls/grid/GridTitles.h"
+#include "platform/controls/grid/GridTotals.h"
 #include "platform/core/Exceptions.h"
 #include "platform/data/dataset/Fields.h"
 #include "platform/graphics/ImageList.h"
@@ -334,7 +334,8 @@ void TwwDBGrid::ShowFailure(const QString &message)
 {
     if (std::exchange(FFailure, message) == message)
         return;
-    QMetaObject::invokeMethod(this, [message] { throw Exception(message); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [message] { throw Exception(message); }, Qt::QueuedConnection);
 }
 
 // ---- overridable notifications --------------------------------------------------------
@@ -415,7 +416,8 @@ void TwwDBGrid::SelectTo(const TGridCell &cell)
     if (CurrentCell().IsNull() || cell.IsNull())
         return;
     CommitEdit();
-    FBlockEnd = {qBound<qsizetype>(0, cell.Row, Rows().Count() - 1), qBound(0, cell.Column, ColumnCount() - 1)};
+    FBlockEnd = {qBound<qsizetype>(0, cell.Row, Rows().Count() - 1),
+                 qBound(0, cell.Column, ColumnCount() - 1)};
     if (FBlockEnd == CurrentCell())
         FBlockEnd = {};
     else

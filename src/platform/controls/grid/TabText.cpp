@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/TabText.h"
+#include "platform/controls/grid/TabText.h"
 
 using namespace Qt::StringLiterals;
 

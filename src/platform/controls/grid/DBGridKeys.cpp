@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The keyboard of a grid, and input methods.
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/GridTotals.h"
+#include "platform/controls/grid/DBGrid.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/GridTotals.h"
 #include "platform/core/ApplicationTitle.h"
 #include "platform/core/Prompts.h"
 
@@ -19,7 +19,10 @@ namespace {
 
 bool IsEnter(const QKeyEvent &event) { return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter; }
 
-bool Has(const QKeyEvent &event, Qt::KeyboardModifier modifier) { return event.modifiers().testFlag(modifier); }
+bool Has(const QKeyEvent &event, Qt::KeyboardModifier modifier)
+{
+    return event.modifiers().testFlag(modifier);
+}
 
 } // namespace
 
@@ -141,7 +144,8 @@ bool TwwDBGrid::HandleRowKey(QKeyEvent &event)
 
 bool TwwDBGrid::CanInsert() const
 {
-    return FKeyOptions.testFlag(dgAllowInsert) && MayChangeRows() && FLink.Active() && DataSource()->AutoEdit();
+    return FKeyOptions.testFlag(dgAllowInsert) && MayChangeRows() && FLink.Active() &&
+           DataSource()->AutoEdit();
 }
 
 bool TwwDBGrid::MayChangeRows() const
@@ -156,8 +160,9 @@ void TwwDBGrid::DeleteRow()
     if (CurrentCell().IsNull() || !DataSet()->CanModify())
         return;
     if (FOptions.testFlag(dgConfirmDelete)) {
-        const int answer = Prompts::Current().MessageBox(u"确定要删除当前行吗？"_s, ApplicationTitle(),
-                                                         MB_YESNO + MB_ICONQUESTION + MB_DEFBUTTON2 + MB_TOPMOST);
+        const int answer =
+            Prompts::Current().MessageBox(u"确定要删除当前行吗？"_s, ApplicationTitle(),
+                                          MB_YESNO + MB_ICONQUESTION + MB_DEFBUTTON2 + MB_TOPMOST);
         if (answer != IDYES || CurrentCell().IsNull())
             return;
     }
@@ -288,7 +293,8 @@ void TwwDBGrid::GoToPreviousCell()
 bool TwwDBGrid::TypeLetter(QKeyEvent &event)
 {
     const QString text = event.text();
-    const bool isCommand = Has(event, Qt::ControlModifier) || Has(event, Qt::AltModifier) || Has(event, Qt::MetaModifier);
+    const bool isCommand =
+        Has(event, Qt::ControlModifier) || Has(event, Qt::AltModifier) || Has(event, Qt::MetaModifier);
     if (IsEditing() || isCommand || text.isEmpty() || !text[0].isPrint())
         return false;
     TField *field = GetActiveField();

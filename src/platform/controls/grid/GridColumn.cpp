@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridColumn.h"
+#include "platform/controls/grid/GridColumn.h"
 
-#include "platform/controls/DBGrid.h"
+#include "platform/controls/grid/DBGrid.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,8 +29,8 @@ TSelectedLine TSelectedLine::FromText(const QString &text)
 
 QString TSelectedLine::ToText() const
 {
-    return QStringList{FieldName, QString::number(DisplayWidth), DisplayLabel, ReadOnly ? u"T"_s : u"F"_s}.join(
-        u'\t');
+    return QStringList{FieldName, QString::number(DisplayWidth), DisplayLabel, ReadOnly ? u"T"_s : u"F"_s}
+        .join(u'\t');
 }
 
 // ---- TwwColumn ------------------------------------------------------------------------

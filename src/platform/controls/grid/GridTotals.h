@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/DBGridTypes.h"
+#include "platform/controls/grid/DBGridTypes.h"
 #include "platform/data/dataset/Field.h"
 
 #include <QHash>
@@ -20,7 +20,10 @@ public:
     TFooterKind Kind(const QString &fieldName) const { return FFooters.value(fieldName.toUpper()).Kind; }
     void SetKind(const QString &fieldName, TFooterKind kind) { FFooters[fieldName.toUpper()].Kind = kind; }
     QString Value(const QString &fieldName) const { return FFooters.value(fieldName.toUpper()).Value; }
-    void SetValue(const QString &fieldName, const QString &text) { FFooters[fieldName.toUpper()].Value = text; }
+    void SetValue(const QString &fieldName, const QString &text)
+    {
+        FFooters[fieldName.toUpper()].Value = text;
+    }
 
     /// Figures are reckoned anew when they are asked for next.
     void Forget() { FTexts.clear(); }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/CellControl.h"
-#include "platform/controls/DBGridTypes.h"
+#include "platform/controls/editors/CellControl.h"
+#include "platform/controls/grid/DBGridTypes.h"
 #include "platform/core/Event.h"
 #include "platform/data/dataset/Field.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/CellEditor.h"
-#include "platform/controls/DropDownEdit.h"
+#include "platform/controls/editors/CellEditor.h"
+#include "platform/controls/editors/DropDownEdit.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/FormatDateTime.h"
 #include "platform/data/dataset/Fields.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/CellControl.h"
+#include "platform/controls/editors/CellControl.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/CellControl.h"
-#include "platform/controls/DBGridTypes.h"
-#include "platform/controls/GridColumns.h"
-#include "platform/controls/GridLayout.h"
+#include "platform/controls/editors/CellControl.h"
+#include "platform/controls/grid/DBGridTypes.h"
+#include "platform/controls/grid/GridColumns.h"
+#include "platform/controls/grid/GridLayout.h"
 #include "platform/core/Event.h"
 #include "platform/data/dataset/DataLink.h"
 
@@ -46,8 +46,8 @@ class TwwDBGrid : public QAbstractScrollArea
     Q_PROPERTY(QStringList ControlType READ ControlType WRITE SetControlType)
     Q_PROPERTY(Korvane::TwwDBGridOptions Options READ Options WRITE SetOptions)
     Q_PROPERTY(Korvane::TwwDBGridKeyOptions KeyOptions READ KeyOptions WRITE SetKeyOptions)
-    Q_PROPERTY(Korvane::TwwEditControlOptions EditControlOptions READ EditControlOptions WRITE
-                   SetEditControlOptions)
+    Q_PROPERTY(
+        Korvane::TwwEditControlOptions EditControlOptions READ EditControlOptions WRITE SetEditControlOptions)
     Q_PROPERTY(Korvane::TwwMemoAttributes MemoAttributes READ MemoAttributes WRITE SetwwMemoAttributes)
     Q_PROPERTY(Korvane::TwwPaintOptions PaintOptions READ PaintOptions WRITE SetPaintOptions)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)
@@ -317,7 +317,10 @@ private:
     bool CanInsert() const;
     void PressCell(const TGridCell &cell, QMouseEvent &event);
     QRect CheckBoxRect(const TGridCell &cell) const;
-    TGridCell CellAt(QPoint position) const { return {FLayout.RowAt(position.y()), FLayout.ColumnAt(position.x())}; }
+    TGridCell CellAt(QPoint position) const
+    {
+        return {FLayout.RowAt(position.y()), FLayout.ColumnAt(position.x())};
+    }
     void WriteCells(const QList<QStringList> &rows);
     void WriteCell(const TwwColumn &column, const QString &text);
     void ShowFailure(const QString &message);
@@ -329,8 +332,8 @@ private:
     TGridLayout FLayout;
     int FUpdateCount = 0;
     bool FIsBuilding = false;
-    TwwDBGridOptions FOptions = dgEditing | dgTitles | dgIndicator | dgColumnResize | dgColumnMenu | dgColLines |
-                                dgRowLines | dgTabs | dgConfirmDelete;
+    TwwDBGridOptions FOptions = dgEditing | dgTitles | dgIndicator | dgColumnResize | dgColumnMenu |
+                                dgColLines | dgRowLines | dgTabs | dgConfirmDelete;
     TwwDBGridKeyOptions FKeyOptions = dgAllowDelete | dgAllowInsert;
     TwwEditControlOptions FEditControlOptions;
     TwwMemoAttributes FMemoAttributes = mWordWrap;
@@ -340,12 +343,12 @@ private:
     QPointer<QObject> FTitleImageList;
     int FRowLines = 1;
     qint64 FTag = 0;
-    int FColumn = 0;      // the current one, among those shown
-    TGridCell FBlockEnd;  // the far end of the marked block; null for none
-    TGridCell FPressed;   // where the mouse went down
+    int FColumn = 0;     // the current one, among those shown
+    TGridCell FBlockEnd; // the far end of the marked block; null for none
+    TGridCell FPressed;  // where the mouse went down
     bool FEditOnRelease = false;
     double FCharWidth = 8;
-    QString FFailure;     // shown already, of what painting raised
+    QString FFailure; // shown already, of what painting raised
     std::unique_ptr<TGridEditing> FEditing;
     std::unique_ptr<TGridTitles> FTitles;
     std::unique_ptr<TGridTotals> FTotals;

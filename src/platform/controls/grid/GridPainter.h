@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/DBGridTypes.h"
-#include "platform/controls/GridLayout.h"
+#include "platform/controls/grid/DBGridTypes.h"
+#include "platform/controls/grid/GridLayout.h"
 
 #include <QHash>
 #include <QList>

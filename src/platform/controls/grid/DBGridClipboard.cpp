@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Blocks of cells between a grid and the clipboard.
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/TabText.h"
+#include "platform/controls/grid/DBGrid.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/TabText.h"
 #include "platform/core/Exceptions.h"
 
 #include <QClipboard>
@@ -80,7 +80,8 @@ void TwwDBGrid::WriteCells(const QList<QStringList> &rows)
     for (const QStringList &row : rows)
         widest = qMax(widest, row.size());
     if (block.Left + widest > ColumnCount())
-        throw Exception(u"粘贴的内容有%1列，从当前列起只有%2列"_s.arg(widest).arg(ColumnCount() - block.Left));
+        throw Exception(
+            u"粘贴的内容有%1列，从当前列起只有%2列"_s.arg(widest).arg(ColumnCount() - block.Left));
     // The rows are found by their records: in an ordered view they move while they are written to.
     const TDataSetRows set = Rows();
     const bool isOne = rows.size() == 1 && block.Top == set.Current();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/DBGridTypes.h"
+#include "platform/controls/grid/DBGridTypes.h"
 
 #include <QRect>
 #include <QSize>
@@ -41,7 +41,10 @@ public:
     /// A column's part of the height asked for, over the viewport's width; empty when out of sight.
     QRect ColumnRect(int column, int top, int height) const;
     QRect TitleRect(int column) const { return ColumnRect(column, 0, TitleHeight); }
-    QRect FooterRect(int column) const { return ColumnRect(column, Size.height() - FooterHeight, FooterHeight); }
+    QRect FooterRect(int column) const
+    {
+        return ColumnRect(column, Size.height() - FooterHeight, FooterHeight);
+    }
     /// May stick out under the totals and under the frozen columns.
     QRect CellRect(const TGridCell &cell) const;
     QRect RowRect(qsizetype row) const;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The mouse on a grid, and the focus.
-#include "platform/controls/DBGrid.h"
-#include "platform/controls/DBGridAccessible.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/GridTitles.h"
-#include "platform/controls/GridTotals.h"
+#include "platform/controls/grid/DBGrid.h"
+#include "platform/controls/grid/DBGridAccessible.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/GridTitles.h"
+#include "platform/controls/grid/GridTotals.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -109,7 +109,8 @@ bool TwwDBGrid::viewportEvent(QEvent *event)
     QString text;
     if (cell.Column >= 0 && isTitle) {
         text = Columns(cell.Column)->DisplayLabel();
-    } else if (!cell.IsNull() && Columns(cell.Column)->Field() && Columns(cell.Column)->Control().Kind != ckCheckBox) {
+    } else if (!cell.IsNull() && Columns(cell.Column)->Field() &&
+               Columns(cell.Column)->Control().Kind != ckCheckBox) {
         const TDataSetRows rows = Rows();
         const TDataSetRows::TReading reading(rows, cell.Row);
         text = CellText(*Columns(cell.Column));

@@ -13,11 +13,11 @@ namespace Korvane {
 
 /// What a grid shows and allows.
 enum TwwDBGridOption {
-    dgEditing = 1 << 0,       ///< cells may be edited
-    dgTitles = 1 << 1,        ///< a row of titles
-    dgIndicator = 1 << 2,     ///< a column on the left that marks the current row and its state
-    dgColumnResize = 1 << 3,  ///< columns are resized and moved by their titles
-    dgColumnMenu = 1 << 4,    ///< a menu on the titles hides and shows columns
+    dgEditing = 1 << 0,      ///< cells may be edited
+    dgTitles = 1 << 1,       ///< a row of titles
+    dgIndicator = 1 << 2,    ///< a column on the left that marks the current row and its state
+    dgColumnResize = 1 << 3, ///< columns are resized and moved by their titles
+    dgColumnMenu = 1 << 4,   ///< a menu on the titles hides and shows columns
     dgColLines = 1 << 5,
     dgRowLines = 1 << 6,
     dgTabs = 1 << 7,          ///< Tab goes to the next cell; otherwise it leaves the grid

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/DBGridAccessible.h"
+#include "platform/controls/grid/DBGridAccessible.h"
 
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
+#include "platform/controls/grid/DBGrid.h"
 #include "platform/core/Exceptions.h"
 
 #include <QAccessible>

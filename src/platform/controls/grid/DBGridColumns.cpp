@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The columns of a grid: built, moved, sized, and what stands in their titles and at their feet.
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/GridTotals.h"
+#include "platform/controls/grid/DBGrid.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/GridTotals.h"
 #include "platform/core/Exceptions.h"
 #include "platform/data/dataset/ClientDataSet.h"
 #include "platform/graphics/ImageList.h"
@@ -28,7 +28,8 @@ std::optional<Qt::SortOrder> SortOrderOf(const TField &field)
     };
     if (isField(dataSet->IndexFieldNames()))
         return Qt::AscendingOrder;
-    const TIndexDef *index = dataSet->IndexName().isEmpty() ? nullptr : dataSet->FindIndex(dataSet->IndexName());
+    const TIndexDef *index =
+        dataSet->IndexName().isEmpty() ? nullptr : dataSet->FindIndex(dataSet->IndexName());
     if (!index || !isField(index->Fields))
         return {};
     const bool goesDown = index->Options.testFlag(ixDescending) || isField(index->DescFields);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/controls/GridColumn.h"
+#include "platform/controls/grid/GridColumn.h"
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridEditing.h"
+#include "platform/controls/grid/GridEditing.h"
 
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
+#include "platform/controls/grid/DBGrid.h"
 #include "platform/core/Exceptions.h"
 
 #include <QApplication>
@@ -145,7 +145,8 @@ void TGridEditing::Close()
     if (hadFocus)
         FGrid.setFocus();
     widget->hide();
-    QMetaObject::invokeMethod(&FGrid, [this] { FClosed.clear(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &FGrid, [this] { FClosed.clear(); }, Qt::QueuedConnection);
     FGrid.viewport()->update();
 }
 
@@ -163,13 +164,15 @@ void TGridEditing::Place()
     const TGridLayout &layout = FGrid.Layout();
     const QRect area = layout.ClipOf(cell.Column, layout.RowsArea());
     QRect rect = layout.CellRect(cell);
-    rect.adjust(0, 0, FGrid.Options().testFlag(dgColLines) ? -1 : 0, FGrid.Options().testFlag(dgRowLines) ? -1 : 0);
+    rect.adjust(0, 0, FGrid.Options().testFlag(dgColLines) ? -1 : 0,
+                FGrid.Options().testFlag(dgRowLines) ? -1 : 0);
     if (FEditor)
         FEditor->Place(rect, area);
     if (FCustom) {
         const QRect seen = rect & area;
         FCustom->setVisible(!seen.isEmpty());
-        FCustom->setGeometry(QRect(FGrid.viewport()->mapTo(FCustom->parentWidget(), seen.topLeft()), seen.size()));
+        FCustom->setGeometry(
+            QRect(FGrid.viewport()->mapTo(FCustom->parentWidget(), seen.topLeft()), seen.size()));
     }
 }
 

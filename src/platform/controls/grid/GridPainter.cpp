@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridPainter.h"
+#include "platform/controls/grid/GridPainter.h"
 
-#include "platform/controls/DBGrid.h"
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridEditing.h"
-#include "platform/controls/GridTitles.h"
 #include "platform/controls/PaintCopy.h"
+#include "platform/controls/grid/DBGrid.h"
+#include "platform/controls/grid/GridEditing.h"
+#include "platform/controls/grid/GridTitles.h"
 #include "platform/data/dataset/Fields.h"
 #include "platform/graphics/ImageList.h"
 
@@ -87,7 +87,8 @@ void TGridPainter::PaintRows(const TDataSetRows &rows)
         if (isFrozen && FLayout.FrozenCount == 0)
             break;
         QRect clip = FLayout.ClipOf(sample, FLayout.RowsArea());
-        clip.setRight(qMin(clip.right(), FLayout.TotalWidth() - FLayout.Offset - 1)); // the last column's edge
+        clip.setRight(
+            qMin(clip.right(), FLayout.TotalWidth() - FLayout.Offset - 1)); // the last column's edge
         FPainter.setClipRect(clip);
         for (qsizetype number = FLayout.TopRow; number < end; ++number) {
             const TDataSetRows::TReading reading(rows, number);
@@ -182,7 +183,8 @@ void TGridPainter::PaintText(const QRect &rect, const TwwColumn &column, const Q
     }
     const int wrapping = alignment | Qt::TextWordWrap;
     const bool fits = FPainter.boundingRect(inner, wrapping, text).height() <= inner.height();
-    FPainter.drawText(inner.adjusted(0, 1, 0, -1), wrapping | int(fits ? Qt::AlignVCenter : Qt::AlignTop), text);
+    FPainter.drawText(inner.adjusted(0, 1, 0, -1), wrapping | int(fits ? Qt::AlignVCenter : Qt::AlignTop),
+                      text);
 }
 
 void TGridPainter::PaintCheckBox(const QRect &rect, const TwwColumn &column, const TCellControl &control)
@@ -230,8 +232,9 @@ void TGridPainter::PaintIndicator(const TRow &row)
         FPainter.drawRect(QRectF(-size * 0.28, -size, size * 0.56, size * 1.35));
         FPainter.drawPolygon(QPolygonF({{-size * 0.28, size * 0.45}, {size * 0.28, size * 0.45}, {0, size}}));
     } else {
-        FPainter.drawPolygon(QPolygonF({center + QPointF(-size * 0.5, -size * 0.9),
-                                        center + QPointF(size * 0.7, 0), center + QPointF(-size * 0.5, size * 0.9)}));
+        FPainter.drawPolygon(
+            QPolygonF({center + QPointF(-size * 0.5, -size * 0.9), center + QPointF(size * 0.7, 0),
+                       center + QPointF(-size * 0.5, size * 0.9)}));
     }
     FPainter.restore();
 }
@@ -251,7 +254,8 @@ void TGridPainter::PaintLines(int bottom)
                 lines += QLine(x, FLayout.TitleHeight, x, bottom);
         }
     if (FGrid.Options().testFlag(dgRowLines) && !columns.isEmpty()) {
-        const int right = qMin(FLayout.Size.width(), FLayout.ColumnRect(FLayout.ColumnCount() - 1, 0, 1).right());
+        const int right =
+            qMin(FLayout.Size.width(), FLayout.ColumnRect(FLayout.ColumnCount() - 1, 0, 1).right());
         for (qsizetype row = FLayout.TopRow; row < FLayout.EndRow(); ++row) {
             const int y = FLayout.RowRect(row).bottom();
             lines += QLine(FLayout.IndicatorWidth, y, right, y);
@@ -293,7 +297,7 @@ void TGridPainter::PaintTitle(int index)
     option.position = QStyleOptionHeader::Middle;
     option.state = QStyle::State_Enabled;
     option.state |= FGrid.FTitles->PressedColumn() == index && FGrid.TitleButtons() ? QStyle::State_Sunken
-                                                                                   : QStyle::State_Raised;
+                                                                                    : QStyle::State_Raised;
     if (index == FCurrent.Column)
         option.state |= QStyle::State_On;
     FGrid.style()->drawControl(QStyle::CE_HeaderSection, &option, &FPainter, &FGrid);
@@ -331,7 +335,7 @@ void TGridPainter::PaintTitleImage(int index, QRect &rect)
     option.rect = place;
     option.state = QStyle::State_Enabled;
     option.sortIndicator = *attributes.SortMark == Qt::AscendingOrder ? QStyleOptionHeader::SortDown
-                                                                     : QStyleOptionHeader::SortUp;
+                                                                      : QStyleOptionHeader::SortUp;
     FGrid.style()->drawPrimitive(QStyle::PE_IndicatorHeaderArrow, &option, &FPainter, &FGrid);
 }
 
@@ -350,11 +354,13 @@ void TGridPainter::PaintDropMark()
 void TGridPainter::PaintFooter()
 {
     const int top = FLayout.Size.height() - FLayout.FooterHeight;
-    FPainter.fillRect(QRect(0, top, FLayout.Size.width(), FLayout.FooterHeight), FPalette.color(QPalette::Button));
+    FPainter.fillRect(QRect(0, top, FLayout.Size.width(), FLayout.FooterHeight),
+                      FPalette.color(QPalette::Button));
     FPainter.setPen(FPalette.color(QPalette::Mid));
     FPainter.drawLine(0, top, FLayout.Size.width(), top);
     for (const int column : VisibleColumns()) {
-        FPainter.setClipRect(FLayout.ClipOf(column, QRect(0, top, FLayout.Size.width(), FLayout.FooterHeight)));
+        FPainter.setClipRect(
+            FLayout.ClipOf(column, QRect(0, top, FLayout.Size.width(), FLayout.FooterHeight)));
         const QRect rect = FLayout.FooterRect(column);
         FPainter.setPen(FPalette.color(QPalette::Mid));
         FPainter.drawLine(rect.right(), top, rect.right(), rect.bottom());

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridTotals.h"
+#include "platform/controls/grid/GridTotals.h"
 
 #include "platform/controls/DataSetRows.h"
-#include "platform/controls/GridColumn.h"
+#include "platform/controls/grid/GridColumn.h"
 #include "platform/core/FormatFloat.h"
 #include "platform/data/dataset/ClientDataSet.h"
 #include "platform/data/dataset/Fields.h"
@@ -51,7 +51,10 @@ QVariant WalkedFigure(TFooterKind kind, const TField &field, TDataSet &dataSet)
         return qlonglong(count);
     if (count == 0)
         return {};
-    return kind == fkSum ? sum : kind == fkAverage ? sum / double(count) : kind == fkMinimum ? least : greatest;
+    return kind == fkSum       ? sum
+           : kind == fkAverage ? sum / double(count)
+           : kind == fkMinimum ? least
+                               : greatest;
 }
 
 QVariant Figure(TFooterKind kind, const TField &field, TDataSet &dataSet)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/GridColumns.h"
+#include "platform/controls/grid/GridColumns.h"
 
 #include "platform/core/Exceptions.h"
 
@@ -55,9 +55,10 @@ void TGridColumns::UpdateShown()
 void TGridColumns::Move(int from, int to)
 {
     const auto placeOf = [&](int shown) {
-        return shown < Count() ? std::find_if(FAll.begin(), FAll.end(),
-                                              [&](const auto &column) { return column.get() == FShown[size_t(shown)]; })
-                               : FAll.end();
+        return shown < Count()
+                   ? std::find_if(FAll.begin(), FAll.end(),
+                                  [&](const auto &column) { return column.get() == FShown[size_t(shown)]; })
+                   : FAll.end();
     };
     const auto source = placeOf(from), target = placeOf(to);
     if (source < target)

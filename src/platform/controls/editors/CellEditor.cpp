@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/controls/CellEditor.h"
+#include "platform/controls/editors/CellEditor.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
