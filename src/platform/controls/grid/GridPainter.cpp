@@ -151,6 +151,8 @@ void TGridPainter::PaintContent(int index, const QRect &rect, const TCellColors 
     if (column.Control().Kind == ckCheckBox)
         return PaintCheckBox(rect, column, column.Control());
     if (TPaintCopy *copy = FCopies.value(index)) {
+        if (column.Field()->IsNull())
+            return; // the row's own colour
         FPainter.save();
         copy->PaintCopy(FPainter, rect.adjusted(0, 0, -1, -1), *column.Field());
         FPainter.restore();
