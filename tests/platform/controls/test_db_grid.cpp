@@ -4,7 +4,9 @@
 #include "platform/data/dataset/Fields.h"
 #include "platform/graphics/ImageList.h"
 
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollBar>
 
 using namespace Korvane;
@@ -176,6 +178,38 @@ TEST(DBGrid, MovesSizesAndHidesColumnsAsTheUserWants)
     for (const QString &bad : {u"no"_s, u"{}"_s, u"[{\"field\":\"\"}]"_s, u"[{\"field\":\"QTY\",\"width\":-1}]"_s})
         EXPECT_EQ(KindRaised([&] { grid->RestoreLayout(bad); }), u"EConvertError"_s) << bad.toStdString();
     EXPECT_EQ(grid->SaveLayout(), before);
+}
+
+TEST(DBGrid, TheMenuOfTheTitlesHidesAndShowsColumns)
+{
+    auto set = Items();
+    TGridWindow grid(*set);
+    const auto choose = [&](const QString &entry) {
+        const QPoint place = grid.TitleOf(0);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, grid->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(grid->viewport(), &event);
+        auto *menu = grid->findChild<QMenu *>();
+        bool isEnabled = false;
+        for (QAction *action : menu->actions())
+            if (action->text() == entry) {
+                isEnabled = action->isEnabled();
+                action->trigger();
+            }
+        delete menu;
+        return isEnabled;
+    };
+    EXPECT_TRUE(choose(u"CODE"_s));
+    EXPECT_TRUE(choose(u"QTY"_s));
+    EXPECT_EQ(grid.Titles(), u"STOPPED NAME"_s);
+    set->SetData(set->Data());
+    EXPECT_EQ(grid.Titles(), u"STOPPED NAME"_s) << "also for columns that come later";
+    EXPECT_TRUE(choose(u"CODE"_s));
+    EXPECT_TRUE(choose(u"NAME"_s));
+    EXPECT_TRUE(choose(u"STOPPED"_s));
+    EXPECT_FALSE(choose(u"CODE"_s)) << "the last column stays";
+    EXPECT_EQ(grid.Titles(), u"CODE"_s);
+    EXPECT_TRUE(choose(u"恢复默认布局"_s));
+    EXPECT_EQ(grid.Titles(), u"CODE STOPPED QTY NAME"_s);
 }
 
 TEST(DBGrid, PressesTitlesAndMarksTheOrder)
