@@ -8,6 +8,7 @@
 #include "platform/core/Cursor.h"
 #include "platform/core/Exceptions.h"
 #include "platform/core/Text.h"
+#include "platform/core/TryFinally.h"
 #include "platform/forms/ComponentOwner.h"
 
 #include <QApplication>
@@ -56,12 +57,11 @@ void TExDBGrid::SetColumnAutoWidth(bool automatic)
     FColumnAutoWidth = automatic;
     if (!automatic || !DataLink().Active())
         return;
-    TDataSet &dataSet = *DataSet();
-    dataSet.DisableControls();
-    const auto enable = qScopeGuard([&] { dataSet.EnableControls(); });
-    for (int column = 0; column < ColumnCount(); ++column)
-        AutoSizeColumn(column);
-    viewport()->update();
+    WithControlsDisabled(*DataSet(), [this] {
+        for (int column = 0; column < ColumnCount(); ++column)
+            AutoSizeColumn(column);
+        viewport()->update();
+    });
 }
 
 bool TExDBGrid::IsReadOnlyField(const QString &fieldName) const
@@ -80,15 +80,18 @@ void TExDBGrid::LinkActive(bool value)
 {
     TwwDBGrid::LinkActive(value);
     BeginUpdate();
-    const auto end = qScopeGuard([this] { EndUpdate(false); });
-    FDateList.clear();
-    GetSelectedFields().clear();
-    ControlType().clear();
-    TDataSet *dataSet = DataSet();
-    if (!dataSet || !dataSet->Active())
-        return;
-    AddSelectColumn(*dataSet);
-    AddDesignColumns();
+    TryFinally(
+        [this] {
+            FDateList.clear();
+            GetSelectedFields().clear();
+            ControlType().clear();
+            TDataSet *dataSet = DataSet();
+            if (!dataSet || !dataSet->Active())
+                return;
+            AddSelectColumn(*dataSet);
+            AddDesignColumns();
+        },
+        [this] { EndUpdate(false); });
 }
 
 void TExDBGrid::AddSelectColumn(const TDataSet &dataSet)

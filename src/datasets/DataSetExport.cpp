@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The part of TExCustomDataSet that writes files for spreadsheet programs.
 #include "datasets/ExCustomDataSet.h"
-#include "datasets/TryFinally.h"
 #include "datasets/export/RowExport.h"
 #include "datasets/export/XlsWriter.h"
 #include "datasets/export/XlsxWriter.h"
 #include "general/Messages.h"
 #include "platform/core/Prompts.h"
+#include "platform/core/TryFinally.h"
 
 #include <QFileInfo>
 

@@ -2,9 +2,9 @@
 // The part of TExCustomDataSet that turns rows into records and back.
 #include "datasets/ExCustomDataSet.h"
 
-#include "datasets/TryFinally.h"
 #include "platform/core/Numbers.h"
 #include "platform/core/Text.h"
+#include "platform/core/TryFinally.h"
 #include "platform/core/Variants.h"
 #include "platform/data/dataset/Fields.h"
 #include "session/DBSession.h"

@@ -2,10 +2,10 @@
 // The part of TExCustomDataSet that turns changes into statements.
 #include "datasets/ExCustomDataSet.h"
 
-#include "datasets/TryFinally.h"
 #include "general/SessionValues.h"
 #include "platform/core/Format.h"
 #include "platform/core/FormatDateTime.h"
+#include "platform/core/TryFinally.h"
 #include "platform/core/Variants.h"
 #include "session/DBSession.h"
 

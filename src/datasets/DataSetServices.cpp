@@ -2,11 +2,11 @@
 // The part of TExCustomDataSet that serves screens: master and detail, selection, order, sums.
 #include "datasets/ExCustomDataSet.h"
 
-#include "datasets/TryFinally.h"
 #include "general/TextRoutines.h"
 #include "platform/core/Format.h"
 #include "platform/core/StringList.h"
 #include "platform/core/Text.h"
+#include "platform/core/TryFinally.h"
 #include "platform/core/Variants.h"
 #include "platform/data/dataset/DataSource.h"
 

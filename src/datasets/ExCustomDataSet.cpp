@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "datasets/ExCustomDataSet.h"
 
-#include "datasets/TryFinally.h"
 #include "design/DBDFile.h"
 #include "general/TextRoutines.h"
 #include "platform/core/Format.h"
 #include "platform/core/Numbers.h"
 #include "platform/core/Text.h"
+#include "platform/core/TryFinally.h"
 #include "platform/data/dataset/DataSource.h"
 #include "session/DBSession.h"
 

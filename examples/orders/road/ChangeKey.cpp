@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "datasets/TryFinally.h"
 #include "examples/orders/road/OrderForm.h"
 #include "examples/orders/road/Stage.h"
 #include "examples/orders/road/Steps.h"
+#include "platform/core/TryFinally.h"
 
 using namespace Korvane;
 using namespace Qt::StringLiterals;

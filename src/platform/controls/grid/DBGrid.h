@@ -282,6 +282,7 @@ private:
         TwwDBGrid &FGrid;
     };
 
+    void BuildColumns();
     TCellControl ControlFor(const TwwColumn &column) const;
     static constexpr int CellMargin = 4; ///< pixels left and right of a text, the line beside it included
 

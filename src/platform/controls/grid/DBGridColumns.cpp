@@ -5,10 +5,10 @@
 #include "platform/controls/grid/GridEditing.h"
 #include "platform/controls/grid/GridTotals.h"
 #include "platform/core/Exceptions.h"
+#include "platform/core/TryFinally.h"
 #include "platform/data/dataset/ClientDataSet.h"
 #include "platform/graphics/ImageList.h"
 
-#include <QScopeGuard>
 #include <QStyle>
 
 using namespace Qt::StringLiterals;
@@ -69,10 +69,15 @@ void TwwDBGrid::ApplySelected()
         return;
     FEditing->Close();
     FIsBuilding = true;
-    const auto end = qScopeGuard([this] {
-        FIsBuilding = false;
-        ColumnsChanged();
-    });
+    TryFinally([this] { BuildColumns(); },
+               [this] {
+                   FIsBuilding = false;
+                   ColumnsChanged();
+               });
+}
+
+void TwwDBGrid::BuildColumns()
+{
     FTotals->Forget();
     if (!FLink.Active())
         return FColumns.Clear();

@@ -85,13 +85,16 @@ void TGridEditing::Changed()
 {
     if (FIsModified || !FEditor)
         return;
-    bool mayWrite = false;
-    const auto refuse = qScopeGuard([&] {
-        if (!mayWrite)
-            Close();
-    });
     FIsModified = true; // NOTE: before the edit begins, which shows all values anew
-    mayWrite = FGrid.FLink.Edit();
+    bool mayWrite = false;
+    try {
+        mayWrite = FGrid.FLink.Edit();
+    } catch (...) {
+        Close();
+        throw;
+    }
+    if (!mayWrite)
+        Close();
 }
 
 void TGridEditing::Accept()
