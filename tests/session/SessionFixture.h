@@ -3,6 +3,7 @@
 
 #include "platform/core/StringList.h"
 #include "support/Packets.h"
+#include "support/ScriptedPrompts.h"
 #include "support/TestPlace.h"
 
 namespace Korvane::Testing {
@@ -40,6 +41,23 @@ protected:
     {
         QStringList lines = TextOf(FSession.Open(statement)).split(QLatin1Char('\n'));
         return lines.mid(1, lines.size() - 2).join(QStringLiteral(" / "));
+    }
+
+    QString Path(const QString &name) const { return FCurrent.filePath(name); }
+    /// How a call ended: "true", "false" or "EAbort"; the messages shown, in brackets; and the session's
+    /// state.
+    QString Outcome(const std::function<bool()> &call)
+    {
+        const PromptScript script;
+        QString text;
+        try {
+            text = call() ? QStringLiteral("true") : QStringLiteral("false");
+        } catch (const EAbort &) {
+            text = QStringLiteral("EAbort");
+        }
+        for (const ScriptedPrompts::Box &box : script->Boxes)
+            text += QStringLiteral(" [") + box.Text + u']';
+        return text + (FSession.Connected() ? QStringLiteral(" connected") : QStringLiteral(" disconnected"));
     }
 
     QString FBefore = QDir::currentPath();

@@ -2,7 +2,6 @@
 #include "SessionFixture.h"
 
 #include "support/ScriptedDriver.h"
-#include "support/ScriptedPrompts.h"
 
 using namespace Korvane;
 using namespace Korvane::Testing;
@@ -22,7 +21,6 @@ protected:
         for (const QString &statement : statements)
             FSession.Execute(statement);
     }
-    QString Path(const QString &name) const { return FCurrent.filePath(name); }
     /// The name of the tested database, as DBName takes it.
     QString Name() const { return IsAccess() ? FDatabase.FileName() : u"orders"_s; }
     void Reconnect()
@@ -39,28 +37,19 @@ protected:
         other.SetConnected(true);
         return TextOf(other.Open(u"select A from T order by A"_s)).section(u'\n', 1).trimmed();
     }
-    /// How a call ended: what was raised, or "true"; the messages shown; and the session's state.
-    QString Outcome(const std::function<bool()> &call)
+    /// And the database's name if it is another one now.
+    QString OutcomeAt(const std::function<bool()> &call)
     {
-        const PromptScript script;
-        QString text;
-        try {
-            text = call() ? u"true"_s : u"false"_s;
-        } catch (const EAbort &) {
-            text = u"EAbort"_s;
-        }
-        for (const ScriptedPrompts::Box &box : script->Boxes)
-            text += u" ["_s + box.Text + u']';
-        return text + (FSession.Connected() ? u" connected"_s : u" disconnected"_s) +
-               (FSession.DBName() == Name() ? QString() : u' ' + FSession.DBName());
+        const QString outcome = Outcome(call);
+        return outcome + (FSession.DBName() == Name() ? QString() : u' ' + FSession.DBName());
     }
     QString Backup(const QString &file)
     {
-        return Outcome([&] { return FSession.BackupDB(file); });
+        return OutcomeAt([&] { return FSession.BackupDB(file); });
     }
     QString Restore(const QString &file)
     {
-        return Outcome([&] { return FSession.RestoreDB(file); });
+        return OutcomeAt([&] { return FSession.RestoreDB(file); });
     }
     QStringList FilesOfDatabase() const { return QDir(FDatabase.Folder()).entryList(QDir::Files); }
 
