@@ -22,7 +22,6 @@ public:
     ~TGridEditing();
 
     bool IsOpen() const { return FEditor != nullptr; }
-    bool IsModified() const { return FIsModified; }
     /// The field that is being edited; null when none is.
     TField *Field() const { return FField; }
     TCellEditor *Editor() const { return FEditor.get(); }

@@ -29,8 +29,6 @@ public:
     /// Where a dragged column would go: the column before which it comes, or behind the last one; -1
     /// while none is dragged.
     int DropColumn() const { return FAction == TAction::Drag ? FTarget : -1; }
-    int DraggedColumn() const { return FAction == TAction::Drag ? FColumn : -1; }
-    bool IsBusy() const { return FAction != TAction::None; }
 
 private:
     enum class TAction { None, Press, Drag, Resize };
