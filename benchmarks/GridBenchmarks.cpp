@@ -55,22 +55,24 @@ struct TOurs
     std::unique_ptr<TExDBGrid> Grid;
 };
 
-/// Qt's: the model with its view. Columns and rows are as large as the grid's, so that both
-/// paint as many cells.
+/// Qt's: the model with its view.
 struct TTheirs
 {
     explicit TTheirs(const QSqlDatabase &database) : Model(database) {}
 
-    void ShowView(const TwwDBGrid *like)
+    void ShowView()
     {
         View = std::make_unique<QTableView>();
         View->setAlternatingRowColors(true);
         View->setModel(&Model);
-        if (like) {
-            View->verticalHeader()->setDefaultSectionSize(like->RowHeights(0));
-            for (int column = 0; column < like->ColumnCount(); ++column)
-                View->setColumnWidth(column, like->Layout().ColumnWidth(column));
-        }
+        ShowPainted(*View);
+    }
+    /// Makes columns and rows as large as the grid's, so that both paint as many cells.
+    void LookLike(const TwwDBGrid &grid)
+    {
+        View->verticalHeader()->setDefaultSectionSize(grid.RowHeights(0));
+        for (int column = 0; column < grid.ColumnCount(); ++column)
+            View->setColumnWidth(column, grid.Layout().ColumnWidth(column));
         ShowPainted(*View);
     }
 
@@ -114,10 +116,12 @@ public:
             Ours().ShowGrid();
         return *Ours().Grid;
     }
+    /// As large in all as the grid.
     QTableView &View()
     {
         if (!Theirs().View)
-            Theirs().ShowView(&Grid());
+            Theirs().ShowView();
+        Theirs().LookLike(Grid());
         return *Theirs().View;
     }
     /// For measuring what holds nothing else.
@@ -162,7 +166,7 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
              [windows] {
                  TTheirs theirs(windows->QtDatabase());
                  theirs.Model.SelectAll();
-                 theirs.ShowView(nullptr);
+                 theirs.ShowView();
              },
          .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
          .Repetitions = 5,
@@ -171,7 +175,7 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
          .Peer = QStringLiteral("QTableView on the fetched QSqlTableModel"),
          .Goal = AtLeast(1.5),
          .Ours = [windows] { windows->Ours().ShowGrid(); },
-         .Theirs = [windows] { windows->Theirs().ShowView(nullptr); },
+         .Theirs = [windows] { windows->Theirs().ShowView(); },
          .Prepare = [windows] { windows->Ours().Grid.reset(), windows->Theirs().View.reset(); },
          .Repetitions = 15},
         {.What = QStringLiteral("page down and paint, 100 times"),
@@ -179,13 +183,15 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
          .Goal = Within(1.1),
          .Ours =
              [windows] {
+                 TwwDBGrid &grid = windows->Grid();
                  for (int page = 0; page < PagesPerRun; ++page)
-                     PageDown(windows->Grid());
+                     PageDown(grid);
              },
          .Theirs =
              [windows] {
+                 QTableView &view = *windows->Theirs().View;
                  for (int page = 0; page < PagesPerRun; ++page)
-                     PageDown(windows->View());
+                     PageDown(view);
              },
          .Prepare =
              [windows] {
@@ -207,7 +213,7 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
              [windows] {
                  auto theirs = std::make_shared<TTheirs>(windows->QtDatabase());
                  theirs->Model.SelectAll();
-                 theirs->ShowView(nullptr);
+                 theirs->ShowView();
                  return theirs;
              },
          .Prepare =
