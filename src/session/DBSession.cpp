@@ -104,14 +104,13 @@ template <class Text, class Action> auto TDBSession::Guarded(TLogging logging, T
     try {
         return action();
     } catch (const Exception &) {
-        Fail(logging, text());
+        Fail(logging, FConnection.Errors(), text());
     }
 }
 
-void TDBSession::Fail(TLogging logging, const QString &sql)
+void TDBSession::Fail(TLogging logging, const QList<TSqlError> &errors, const QString &sql)
 {
     SetScreenCursor(crDefault);
-    const QList<TSqlError> &errors = FConnection.Errors();
     if (logging == TLogging::ErrorFile)
         LogError(MainDescription(errors) + QLatin1Char('\r') + sql);
     if (!errors.isEmpty())
@@ -274,6 +273,42 @@ TDataPacket TDBSession::Open(const QString &statement)
     Guarded(
         TLogging::ErrorFile, [&] { return statement; }, [&] { OpenQuery(statement); });
     return FProvider.Data();
+}
+
+/// Reports failures in the library's form. The session may be gone by then.
+class TDBSession::TFeed final : public TRowFeed
+{
+public:
+    TFeed(std::shared_ptr<TRowFeed> rows, QString statement)
+        : FRows(std::move(rows)), FStatement(std::move(statement))
+    {
+    }
+
+    bool Read(QDeadlineTimer deadline) override
+    {
+        try {
+            return FRows->Read(deadline);
+        } catch (const ESqlError &error) {
+            Fail(TLogging::ErrorFile, error.Errors(), FStatement);
+        } catch (const Exception &error) {
+            Fail(TLogging::ErrorFile, {{error.Message(), 0, {}}}, FStatement);
+        }
+    }
+    const TDataPacket &Rows() const override { return FRows->Rows(); }
+
+private:
+    const std::shared_ptr<TRowFeed> FRows;
+    const QString FStatement;
+};
+
+TFirstRows TDBSession::Open(const QString &statement, qsizetype firstRows)
+{
+    TFirstRows rows = Guarded(
+        TLogging::ErrorFile, [&] { return statement; },
+        [&] { return FConnection.QueryFirst(statement, firstRows); });
+    if (rows.Feed)
+        rows.Feed = std::make_shared<TFeed>(std::move(rows.Feed), statement);
+    return rows;
 }
 
 bool TDBSession::TableExists(const QString &table)

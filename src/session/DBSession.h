@@ -5,6 +5,7 @@
 #include "platform/core/Component.h"
 #include "platform/core/DateTime.h"
 #include "platform/data/BlobStreams.h"
+#include "platform/data/RowFeed.h"
 #include "platform/sql/ADOCommand.h"
 #include "platform/sql/ADOConnection.h"
 #include "platform/sql/ADODataSet.h"
@@ -84,6 +85,10 @@ public:
     int Execute(const QString &statement);
     /// All rows of a statement. Failures as above.
     TDataPacket Open(const QString &statement);
+    /// The same rows, but only so many at once; the others by the feed, which may outlive the session and
+    /// whose failures are those of Open. Where an engine cannot read on later without keeping others
+    /// from working, they are all there at once.
+    TFirstRows Open(const QString &statement, qsizetype firstRows);
 
     const QStringList &GetSQL() const { return FSQL; }
     void SetSQL(const QStringList &lines) { FSQL = lines; }
@@ -138,10 +143,11 @@ public:
     TEvent<const QString &> &OnExecute() { return FConnection.OnExecute; }
 
 private:
+    class TFeed;
     enum class TLogging { ErrorFile, None };
     /// Runs an action on the database; any failure is reported in the library's one form.
     template <class Text, class Action> auto Guarded(TLogging logging, Text text, Action action);
-    [[noreturn]] void Fail(TLogging logging, const QString &sql);
+    [[noreturn]] static void Fail(TLogging logging, const QList<TSqlError> &errors, const QString &sql);
     void OpenQuery(const QString &statement);
     void ConnectTo(const QString &connectionString);
     QVariant FirstValue() const;

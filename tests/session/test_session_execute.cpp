@@ -102,6 +102,7 @@ TEST_F(ScriptedSession, a_failure_is_the_description_and_the_statement)
         {[&] { FSession.Execute(u"x"_s, nullptr); }, u"x"_s, u"描述\rx"_s, true},
         {[&] { FSession.Execute(u"x"_s, &none); }, u"x"_s, u"描述\rx"_s, true},
         {[&] { FSession.Open(u"x"_s); }, u"x"_s, u"描述\rx"_s, true},
+        {[&] { FSession.Open(u"x"_s, 5); }, u"x"_s, u"描述\rx"_s, true},
         {[&] { FSession.IsEmpty(u"x"_s); }, u"x"_s, u"描述\rx"_s, true},
         {[&] { FSession.TableExists(u"T"_s); }, u"select 1 from sysobjects where xtype='U' and name='T'"_s,
          u"描述\rselect 1 from sysobjects where xtype='U' and name='T'"_s, true},
@@ -131,6 +132,27 @@ TEST_F(ScriptedSession, a_failure_is_the_description_and_the_statement)
         const QString line = row.Message + u"\r\n"_s;
         EXPECT_EQ(Logged(), row.IsLogged ? line.toUtf8() : QByteArray());
     }
+}
+
+TEST_F(ScriptedSession, rows_that_come_later_fail_as_a_statement_does)
+{
+    struct TBrokenFeed : TRowFeed
+    {
+        bool Read(QDeadlineTimer) override { throw ESqlError(u"描述"_s); }
+        const TDataPacket &Rows() const override { return FNothing; }
+        TDataPacket FNothing;
+    };
+    FServer.Feed = std::make_shared<TBrokenFeed>();
+    auto session = std::make_unique<TDBSession>();
+    session->SetDBType(dbtMSSQL);
+    session->SetDBServer(u"scripted"_s);
+    session->SetConnected(true);
+    const TFirstRows rows = session->Open(u"x"_s, 5);
+    session.reset(); // which they may outlive
+    SetScreenCursor(crHourGlass);
+    EXPECT_EQ(RaisedBy([&] { rows.Feed->Read(QDeadlineTimer::Forever); }), u"Exception: 描述\rx"_s);
+    EXPECT_EQ(ScreenCursor(), crDefault);
+    EXPECT_EQ(Logged(), u"描述\rx\r\n"_s.toUtf8());
 }
 
 TEST_F(ScriptedSession, without_an_error_entry_the_script_is_to_be_checked)

@@ -31,6 +31,7 @@ public:
     ScriptedServer &operator=(const ScriptedServer &) = delete;
 
     TDataPacket Answer;
+    std::shared_ptr<TRowFeed> Feed; ///< of the rows behind Answer, where first rows are asked for
     qint64 Affected = 0;
     /// Called before each connect and each statement; may raise.
     std::function<void()> OnConnect;
@@ -69,6 +70,11 @@ private:
         {
             Take(statement);
             return FServer.Answer;
+        }
+        TFirstRows QueryFirst(const QString &statement, qsizetype) override
+        {
+            Take(statement);
+            return {FServer.Answer, FServer.Feed};
         }
         void BeginTransaction() override { End(QStringLiteral("begin"), true); }
         void CommitTransaction() override { End(QStringLiteral("commit"), false); }

@@ -81,6 +81,12 @@ TDataPacket TADOConnection::Query(const QString &statement, std::span<const TSql
     return Guarded([&] { return Driver().Query(statement, parameters); });
 }
 
+TFirstRows TADOConnection::QueryFirst(const QString &statement, qsizetype rows)
+{
+    OnExecute(statement);
+    return Guarded([&] { return Driver().QueryFirst(statement, rows); });
+}
+
 QVariant TADOConnection::QueryValue(const QString &statement)
 {
     OnExecute(statement);

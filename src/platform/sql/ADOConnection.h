@@ -73,6 +73,8 @@ public:
 
     qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters = {});
     TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters = {});
+    /// At least so many rows at once, the others by the feed: see SqlDriver.
+    TFirstRows QueryFirst(const QString &statement, qsizetype rows);
     QVariant QueryValue(const QString &statement);
     /// Fills the target with a schema rowset and opens it. restrictions is a list or invalid.
     void OpenSchema(TSchemaInfo schema, const QVariant &restrictions, const QVariant &schemaId,

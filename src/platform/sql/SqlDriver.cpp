@@ -7,6 +7,8 @@ namespace Korvane {
 
 SqlDriver::~SqlDriver() = default;
 
+TFirstRows SqlDriver::QueryFirst(const QString &statement, qsizetype) { return {Query(statement), nullptr}; }
+
 QVariant SqlDriver::QueryValue(const QString &statement)
 {
     const TDataPacket rows = Query(statement);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/data/DataPacket.h"
+#include "platform/data/RowFeed.h"
 #include "platform/sql/ConnectionString.h"
 #include "platform/sql/SqlError.h"
 
@@ -70,6 +70,10 @@ public:
     /// Runs a statement and returns all of its rows. A statement that gives no rowset gives
     /// a packet without fields.
     virtual TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters = {}) = 0;
+    /// The same rows, but only the first ones at once, at least so many unless there are fewer. The others,
+    /// which are those of this moment, are read when the feed is asked; it may outlive the driver. By
+    /// default, and wherever it would keep other users from working, all rows are read at once.
+    virtual TFirstRows QueryFirst(const QString &statement, qsizetype rows);
     /// The first value of the first row that Query gives; a null QVariant without one.
     virtual QVariant QueryValue(const QString &statement);
 

@@ -266,8 +266,6 @@ QString UniqueName(QString name, QSet<QString> &taken)
 
 } // namespace
 
-/// The fields of the result. NOTE: to be asked for when a step has been made: the step may prepare
-/// the statement anew because the schema has changed.
 const QList<TPacketField> &TSqliteStatement::Fields()
 {
     const int preparations = sqlite3_stmt_status(FStatement, SQLITE_STMTSTATUS_REPREPARE, 0);
@@ -289,43 +287,52 @@ bool TSqliteStatement::IsText(int column) const
     return sqlite3_column_type(FStatement, column) == SQLITE_TEXT;
 }
 
+bool TSqliteStatement::IsFloat(int column) const
+{
+    return sqlite3_column_type(FStatement, column) == SQLITE_FLOAT;
+}
+
 bool TSqliteStatement::IsReckoned(int column) const
 {
     return column < ColumnCount() && !sqlite3_column_decltype(FStatement, column);
+}
+
+void TSqliteStatement::AppendRow(TDataPacketBuilder &builder) const
+{
+    const int columns = builder.FieldCount();
+    for (int i = 0; i < columns; ++i) {
+        // NOTE: the connection has no mutex and one thread, so that the engine makes no
+        // difference between protected and unprotected values (sqlite.org/c3ref/value.html).
+        sqlite3_value *const value = sqlite3_column_value(FStatement, i);
+        switch (sqlite3_value_type(value)) {
+        case SQLITE_INTEGER:
+            builder.AppendInt(i, sqlite3_value_int64(value));
+            break;
+        case SQLITE_FLOAT:
+            builder.AppendDouble(i, sqlite3_value_double(value));
+            break;
+        case SQLITE_TEXT: {
+            const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(value));
+            builder.AppendText(i, {text ? text : "", size_t(text ? sqlite3_value_bytes(value) : 0)});
+            break;
+        }
+        case SQLITE_BLOB:
+            builder.AppendBlob(i, Blob(i));
+            break;
+        default:
+            builder.AppendNull(i);
+            break;
+        }
+    }
+    builder.EndRow();
 }
 
 TDataPacket TSqliteStatement::ReadAll()
 {
     bool hasRow = Step();
     TDataPacketBuilder builder(Fields());
-    const int columns = builder.FieldCount();
-    for (; hasRow; hasRow = Step()) {
-        for (int i = 0; i < columns; ++i) {
-            // NOTE: the connection has no mutex and one thread, so that the engine makes no
-            // difference between protected and unprotected values (sqlite.org/c3ref/value.html).
-            sqlite3_value *const value = sqlite3_column_value(FStatement, i);
-            switch (sqlite3_value_type(value)) {
-            case SQLITE_INTEGER:
-                builder.AppendInt(i, sqlite3_value_int64(value));
-                break;
-            case SQLITE_FLOAT:
-                builder.AppendDouble(i, sqlite3_value_double(value));
-                break;
-            case SQLITE_TEXT: {
-                const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(value));
-                builder.AppendText(i, {text ? text : "", size_t(text ? sqlite3_value_bytes(value) : 0)});
-                break;
-            }
-            case SQLITE_BLOB:
-                builder.AppendBlob(i, Blob(i));
-                break;
-            default:
-                builder.AppendNull(i);
-                break;
-            }
-        }
-        builder.EndRow();
-    }
+    for (; hasRow; hasRow = Step())
+        AppendRow(builder);
     return std::move(builder).Build();
 }
 

@@ -57,17 +57,22 @@ public:
     std::string_view Text(int column) const; ///< UTF-8, valid until the next Step
     std::string_view Blob(int column) const;
     QString String(int column) const;
-    bool IsText(int column) const; ///< whether the value in the current row is one
+    // Whether the value in the current row is one.
+    bool IsText(int column) const;
+    bool IsFloat(int column) const;
     /// Whether there is such a column that is no table's own.
     bool IsReckoned(int column) const;
 
-    /// Steps through all rows into a packet. Field types come from the declared types, of
-    /// columns without one from the values.
+    /// Of the result, by the declared types; ftUnknown for columns without one. To be asked for when
+    /// a step has been made, which may prepare the statement anew because the schema has changed.
+    const QList<TPacketField> &Fields();
+    /// Adds the current row to a packet of these fields.
+    void AppendRow(TDataPacketBuilder &builder) const;
+    /// Steps through all rows into a packet.
     TDataPacket ReadAll();
 
 private:
     void Prepare(const QByteArray &sql, TStatementUse use, const char **tail);
-    const QList<TPacketField> &Fields();
 
     TSqliteDatabase &FDatabase;
     sqlite3_stmt *FStatement = nullptr;

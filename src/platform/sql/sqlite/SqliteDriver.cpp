@@ -170,6 +170,7 @@ void TSqliteDriver::Configure()
 
 void TSqliteDriver::Disconnect()
 {
+    FinishFeeds();
     FStatements.Clear();
     FDatabase.reset();
     FRoster.reset();
@@ -198,6 +199,40 @@ TDataPacket TSqliteDriver::Query(const QString &statement, std::span<const TSqlP
     return rows;
 }
 
+std::unique_ptr<TSqliteStatement> TSqliteDriver::StatementToFeed(const QString &statement)
+{
+    TSqliteDatabase &database = Database();
+    const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
+    const bool isPlain = rewritten.Command == TServerCommand::None && rewritten.CatalogTables.isEmpty() &&
+                         KindsOf(rewritten) == QList{TStepKind::Selects};
+    // NOTE: with any journal but the write-ahead log, a statement that is not read to its end keeps others
+    // from committing (sqlite.org/isolation.html).
+    if (!isPlain || database.Value("pragma journal_mode") != QLatin1String("wal"))
+        return nullptr;
+    auto result = std::make_unique<TSqliteStatement>(database, rewritten.Steps.first().Sql);
+    return result->IsValid() ? std::move(result) : nullptr;
+}
+
+TFirstRows TSqliteDriver::QueryFirst(const QString &statement, qsizetype rows)
+{
+    auto prepared = StatementToFeed(statement);
+    if (!prepared)
+        return {Query(statement, {}), nullptr};
+    const auto feed = std::make_shared<TSqliteRowFeed>(std::move(prepared), rows);
+    if (feed->IsFinished())
+        return {feed->FirstRows(), nullptr};
+    std::erase_if(FFeeds, [](const auto &other) { return other.expired(); });
+    FFeeds.push_back(feed);
+    return {feed->FirstRows(), feed};
+}
+
+void TSqliteDriver::FinishFeeds()
+{
+    for (const auto &entry : std::exchange(FFeeds, {}))
+        if (const auto feed = entry.lock())
+            feed->Finish();
+}
+
 QVariant TSqliteDriver::QueryValue(const QString &statement)
 {
     // A text that is reckoned, such as the clock that every saved row asks for, needs no packet.
@@ -216,6 +251,7 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
         return RunReady(*ready, rows);
     const TRewrittenStatement rewritten = RewriteForSqlite(statement, FDialect);
     if (rewritten.Command != TServerCommand::None) {
+        FinishFeeds();
         RunServerCommand(rewritten);
         return 0;
     }
@@ -223,6 +259,8 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
         FillCatalogTables(database, rewritten.CatalogTables, FServer ? &*FServer : nullptr, FRoster.get());
 
     const QList<TStepKind> kinds = KindsOf(rewritten);
+    if (kinds.count(TStepKind::Selects) != kinds.size())
+        FinishFeeds();
     const bool changesTable = kinds.contains(TStepKind::ChangesTable);
     const bool single = kinds.size() <= 1 && !changesTable && !kinds.contains(TStepKind::MakesTable) &&
                         !kinds.contains(TStepKind::DropsTable);
@@ -250,6 +288,8 @@ qint64 TSqliteDriver::Run(const QString &statement, std::span<const TSqlParamete
 
 qint64 TSqliteDriver::RunReady(TPreparedForm &form, TDataPacket *rows)
 {
+    if (form.ChangesRows)
+        FinishFeeds();
     if (rows && form.Statement.ColumnCount() > 0)
         *rows = form.Statement.ReadAll();
     else
@@ -290,14 +330,23 @@ qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, const QList
 
 void TSqliteDriver::BeginTransaction()
 {
+    FinishFeeds();
     // NOTE: the write lock is taken at once, so that a transaction waits for another writer
     // here and not in the middle, where the engine could only refuse it.
     Database().Run(FReadOnly ? "begin" : "begin immediate");
 }
 
-void TSqliteDriver::CommitTransaction() { Database().Run("commit"); }
+void TSqliteDriver::CommitTransaction()
+{
+    FinishFeeds();
+    Database().Run("commit");
+}
 
-void TSqliteDriver::RollbackTransaction() { Database().Run("rollback"); }
+void TSqliteDriver::RollbackTransaction()
+{
+    FinishFeeds();
+    Database().Run("rollback");
+}
 
 bool TSqliteDriver::InTransaction() const { return FDatabase && FDatabase->InTransaction(); }
 

@@ -5,7 +5,7 @@
 #include "platform/sql/dialect/SqlRewriter.h"
 #include "platform/sql/sqlite/ConnectionRoster.h"
 #include "platform/sql/sqlite/FolderServer.h"
-#include "platform/sql/sqlite/SqliteDatabase.h"
+#include "platform/sql/sqlite/SqliteRowFeed.h"
 #include "platform/sql/sqlite/StatementCache.h"
 #include "platform/sql/sqlite/StepKind.h"
 
@@ -33,6 +33,7 @@ public:
     bool IsConnected() const override { return FDatabase != nullptr; }
     qint64 Execute(const QString &statement, std::span<const TSqlParameter> parameters) override;
     TDataPacket Query(const QString &statement, std::span<const TSqlParameter> parameters) override;
+    TFirstRows QueryFirst(const QString &statement, qsizetype rows) override;
     QVariant QueryValue(const QString &statement) override;
     void BeginTransaction() override;
     void CommitTransaction() override;
@@ -64,6 +65,10 @@ private:
     qint64 RunReady(TPreparedForm &form, TDataPacket *rows);
     qint64 RunSteps(const TRewrittenStatement &rewritten, const QList<TStepKind> &kinds,
                     std::span<const TSqlParameter> parameters, TDataPacket *rows);
+    /// The statement, if it is one whose rows can be read bit by bit; null otherwise.
+    std::unique_ptr<TSqliteStatement> StatementToFeed(const QString &statement);
+    /// Has all rows read that feeds have not read yet, so that what follows does not change them.
+    void FinishFeeds();
     void RunServerCommand(const TRewrittenStatement &rewritten);
     void MakeMasterIfMissing();
     void CreateServerDatabase(const QString &name);
@@ -84,6 +89,7 @@ private:
     QByteArray FMainName; // the engine keeps the pointer, so that it stands before the database
     std::unique_ptr<TSqliteDatabase> FDatabase;
     TStatementCache FStatements; // goes before the database
+    std::vector<std::weak_ptr<TSqliteRowFeed>> FFeeds;
     QString FPassword;           // for databases made over this connection
     bool FReadOnly = false;
     int FTimeout = TSqlConnectOptions().CommandTimeout;
