@@ -35,6 +35,7 @@ void TExCustomDataSet::Delete()
 {
     if (IsEmpty())
         return;
+    FetchAll(); // before the statement, since rows that cannot be read keep the row from going
     if (FCommitType == ctCommit) {
         const auto object = GetCurrentObject();
         object->KeyValues = GetKeyValues();
@@ -138,6 +139,7 @@ void TExCustomDataSet::SaveDeltaRow(const TDeltaRow &row, std::unique_ptr<TDBObj
 
 void TExCustomDataSet::SaveAll()
 {
+    FetchAll(); // what cannot be read must not be deleted
     Session().Execute(GetDeleteSQL(FOpenField, FOpenValue), nullptr);
     const auto object = GetDBObject();
     WithControlsDisabled(*this, [&] {

@@ -101,7 +101,10 @@ void TExCustomDataSet::OpenStatement(const std::function<QString()> &statement, 
         CheckDBDFile();
         CheckDBSession();
         const QString sql = statement();
-        SetData(Session().Open(sql));
+        if (FFirstRows > 0)
+            SetData(Session().Open(sql, FFirstRows));
+        else
+            SetData(Session().Open(sql));
         FOpenField = field;
         FOpenValue = value;
         FActived = true;

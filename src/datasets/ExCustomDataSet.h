@@ -42,6 +42,7 @@ class TExCustomDataSet : public TCustomClientDataSet
     Q_MOC_INCLUDE("platform/data/dataset/DataSource.h")
     Q_MOC_INCLUDE("session/DBSession.h")
     Q_PROPERTY(bool Actived READ Actived WRITE SetActived)
+    Q_PROPERTY(int FirstRows READ FirstRows WRITE SetFirstRows)
     Q_PROPERTY(QString AutoField READ AutoField WRITE SetAutoField)
     Q_PROPERTY(QString DetailField READ DetailField WRITE SetDetailField)
     Q_PROPERTY(QString HideFields READ HideFields WRITE SetHideFields)
@@ -72,6 +73,11 @@ public:
     /// True from the end of a read until Close. Setting true reads, also when it is true.
     bool Actived() const { return FActived; }
     void SetActived(bool actived);
+    /// How many rows OpenTable reads before it returns, so that the first page of a long table is there
+    /// at once; 0, which is the default, for all. When the others are read, TDataSet tells; they are
+    /// those of the moment of OpenTable.
+    int FirstRows() const { return FFirstRows; }
+    void SetFirstRows(int rows) { FFirstRows = rows; }
     /// The field of new rows that gets generated numbers.
     const QString &AutoField() const { return FAutoField; }
     void SetAutoField(const QString &field) { FAutoField = field; }
@@ -341,6 +347,7 @@ private:
     std::unique_ptr<TDBObject> FOldObject;
     std::unique_ptr<TMasterDataLink> FMasterLink;
     bool FActived = false;
+    int FFirstRows = 0;
     QString FAutoField;
     QString FDetailField;
     QStringList FDetailFields;

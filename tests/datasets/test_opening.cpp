@@ -83,6 +83,65 @@ TEST_P(Opening, StatementsOfAllWays)
     EXPECT_EQ(grade->LastSQL(), rows[11].Statement);
 }
 
+/// What reads on beside other work is the embedded engine; a server gives all rows at once.
+TEST_P(Opening, ReadsTheFirstRowsAtOnceAndTheOthersWhenTheyAreWanted)
+{
+    AddParts({{u"P1"_s, u"a"_s, 1}, {u"P2"_s, u"b"_s, 2}, {u"P3"_s, u"c"_s, 3}, {u"P4"_s, u"d"_s, 4}});
+    const auto part = Table(u"PART"_s);
+    part->SetFirstRows(2);
+    const auto open = [&] {
+        Log();
+        part->OpenTable({}, u"CODE"_s, 0);
+        EXPECT_EQ(part->FetchedCount(), GetParam().IsEmbedded() ? 2 : 4);
+        EXPECT_EQ(Log(), QStringList{part->LastSQL()});
+        EXPECT_EQ(RowOf(*part, u"CODE"_s), "P1");
+    };
+    open();
+    EXPECT_EQ(Shown(*part, u"CODE;QTY"_s), "P1|1 / P2|2 / P3|3 / P4|4");
+    EXPECT_EQ(Log(), QStringList()) << "without another statement";
+
+    // A change, of whose statement the rows that are not read yet know nothing.
+    open();
+    Fill((part->Edit(), *part), {{u"QTY"_s, u"7"_s}});
+    part->Post();
+    EXPECT_EQ(Shown(*part, u"CODE;QTY"_s), "P1|7 / P2|2 / P3|3 / P4|4");
+    open();
+    part->Delete();
+    EXPECT_EQ(Shown(*part, u"CODE;QTY"_s), "P2|2 / P3|3 / P4|4");
+    EXPECT_EQ(TextOfTable(u"select CODE from PART order by CODE"_s), "P2 / P3 / P4");
+
+    // A save that replaces all rows, the first statement of which deletes them.
+    part->SetCommitType(ctBatchCommit);
+    part->SetUpdateType(utAll);
+    part->SetFirstRows(1);
+    part->OpenTable();
+    part->Save();
+    EXPECT_EQ(TextOfTable(u"select CODE from PART order by CODE"_s), "P2 / P3 / P4");
+}
+
+/// The rows of a detail that are changed and not saved are not read anew for the master's sake.
+TEST_P(Opening, ADetailKeepsItsChangesWhenTheMasterHasAllRows)
+{
+    Run({u"insert into HEAD(BILLCODE, CUST) values('B1', 'x')"_s,
+         u"insert into HEAD(BILLCODE, CUST) values('B2', 'y')"_s,
+         u"insert into LINE(BILLCODE, NO, QTY) values('B1', '0001', 5)"_s});
+    const auto head = Table(u"HEAD"_s), line = Table(u"LINE"_s);
+    TDataSource source;
+    source.SetDataSet(head.get());
+    line->SetMasterDataSource(&source);
+    line->SetMasterField(u"BILLCODE"_s);
+    line->SetDetailField(u"BILLCODE"_s);
+    head->SetFirstRows(1);
+    head->Open();
+    line->Open();
+    Fill((line->Edit(), *line), {{u"QTY"_s, u"6"_s}});
+    line->InterPost();
+    head->FetchAll();
+    EXPECT_EQ(head->RecordCount(), 2);
+    EXPECT_EQ(line->ChangeCount(), 1);
+    EXPECT_EQ(RowOf(*line, u"QTY"_s), "6");
+}
+
 TEST_P(Opening, SelectionAndAuditColumns)
 {
     AddParts({{u"P1"_s, u"a"_s, 1}});

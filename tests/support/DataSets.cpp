@@ -2,6 +2,7 @@
 #include "support/DataSets.h"
 
 #include <map>
+#include <numeric>
 
 namespace Korvane {
 
@@ -234,6 +235,23 @@ void TDataSetRecorder::Note(const QString &event)
     if (FMessage.isEmpty())
         Abort();
     throw EDatabaseError(FMessage);
+}
+
+TFirstRows TTestFeed::Begin(const std::shared_ptr<TTestFeed> &feed, qsizetype rows)
+{
+    TDataPacketBuilder builder(feed->FRows.Fields());
+    std::vector<int> columns(size_t(builder.FieldCount()));
+    std::iota(columns.begin(), columns.end(), 0);
+    builder.AppendRows(feed->FRows, 0, rows, columns);
+    return {std::move(builder).Build(), feed};
+}
+
+bool TTestFeed::Read(QDeadlineTimer deadline)
+{
+    if (!FMessage.isEmpty())
+        throw EDatabaseError(FMessage);
+    FReads = deadline.isForever() ? 0 : qMax(0, FReads - 1);
+    return FReads == 0;
 }
 
 TLinkRecorder::TLinkRecorder(TDataSet &set)

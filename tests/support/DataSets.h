@@ -10,6 +10,26 @@ namespace Korvane {
 /// An open client dataset with rows from literals, as PacketOf takes them.
 std::unique_ptr<TClientDataSet> DataSetOf(const QList<TPacketField> &fields, const QList<QVariantList> &rows);
 
+/// Feeds the rows of a packet; that takes so many reads, or one without a deadline.
+class TTestFeed : public TRowFeed
+{
+public:
+    explicit TTestFeed(TDataPacket rows, int reads = 3) : FRows(std::move(rows)), FReads(reads) {}
+
+    /// From now on each read raises an EDatabaseError with the message.
+    void Break(const QString &message) { FMessage = message; }
+    /// The first rows, and the feed for all of them.
+    static TFirstRows Begin(const std::shared_ptr<TTestFeed> &feed, qsizetype rows);
+
+    bool Read(QDeadlineTimer deadline) override;
+    const TDataPacket &Rows() const override { return FRows; }
+
+private:
+    const TDataPacket FRows;
+    int FReads;
+    QString FMessage;
+};
+
 /// The rows shown, a line each: "|" between the cells, "~" for NULL, blobs as "0x" and digits,
 /// and ">" before the current one.
 QString ViewOf(TDataSet &set);
@@ -63,7 +83,7 @@ private:
 };
 
 /// Notes what a data link is told: "active", "editing", "record(QTY)", "dataset", "scroll(1)",
-/// "layout", "update", "leave", "focus(QTY)".
+/// "layout", "fetched", "update", "leave", "focus(QTY)".
 class TLinkRecorder : public TDataLink
 {
 public:
@@ -79,6 +99,7 @@ protected:
     void DataSetChanged() override { Note(QStringLiteral("dataset")); }
     void DataSetScrolled(qsizetype distance) override { Note(QStringLiteral("scroll(%1)").arg(distance)); }
     void LayoutChanged() override { Note(QStringLiteral("layout")); }
+    void RowsFetched() override { Note(QStringLiteral("fetched")); }
     void UpdateData() override { Note(QStringLiteral("update")); }
     void CheckBrowseMode() override { Note(QStringLiteral("leave")); }
     void FocusControl(TField *field) override;

@@ -151,6 +151,7 @@ QVariant TAggregate::Value()
 {
     if (!FActive || !FDataSet->Active())
         return VarNull();
+    FDataSet->FetchAll();
     if (FReckoned == FDataSet->FVersion)
         return FValue;
     const TParsed parsed = Parse(FExpression);

@@ -35,9 +35,11 @@ TRecordStore &TCustomClientDataSet::Store() const
 
 // ---- opening and closing --------------------------------------------------------------
 
-void TCustomClientDataSet::OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number)
+void TCustomClientDataSet::OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number,
+                                     std::shared_ptr<TRowFeed> feed)
 {
     Close();
+    FFeed = std::move(feed);
     FStore = std::move(store);
     FDataNumber = std::move(number);
     Open();
@@ -61,21 +63,48 @@ void TCustomClientDataSet::InternalClose()
     FSearches.Clear();
     FView.reset();
     FReader.reset();
+    FFeed.reset();
     if (FStore)
         FStore->Detach(this);
     FStore.reset();
     ++FVersion;
 }
 
-TDataPacket TCustomClientDataSet::Data() const { return Active() ? FStore->Data() : TDataPacket(); }
+TDataPacket TCustomClientDataSet::Data() const
+{
+    if (!Active())
+        return {};
+    FetchAll();
+    return FStore->Data();
+}
 
-void TCustomClientDataSet::SetData(const TDataPacket &packet)
+void TCustomClientDataSet::SetData(const TDataPacket &packet) { OpenPacket(packet, nullptr); }
+
+void TCustomClientDataSet::SetData(const TFirstRows &rows)
+{
+    const bool selects = !FIndexFieldNames.isEmpty() || !FIndexName.isEmpty() || Filtered() || FStatusFilter;
+    if (!rows.Feed || !selects)
+        return OpenPacket(rows.Rows, rows.Feed);
+    rows.Feed->Read(QDeadlineTimer::Forever);
+    OpenPacket(rows.Feed->Rows(), nullptr);
+}
+
+void TCustomClientDataSet::OpenPacket(const TDataPacket &packet, std::shared_ptr<TRowFeed> feed)
 {
     if (packet.FieldCount() == 0)
         return Close();
     auto store = std::make_shared<TRecordStore>(packet);
     store->SetLogChanges(FLogChanges);
-    OpenStore(std::move(store), std::make_shared<quint64>(NextDataNumber()));
+    OpenStore(std::move(store), std::make_shared<quint64>(NextDataNumber()), std::move(feed));
+}
+
+void TCustomClientDataSet::FetchNext(QDeadlineTimer deadline)
+{
+    if (!FFeed || !FFeed->Read(deadline))
+        return;
+    // NOTE: who is told of the rows may close the dataset.
+    const auto store = FStore;
+    store->Extend(TDataPacket(FFeed->Rows()));
 }
 
 void TCustomClientDataSet::AppendData(const TDataPacket &packet, bool)
@@ -83,6 +112,7 @@ void TCustomClientDataSet::AppendData(const TDataPacket &packet, bool)
     if (!Active())
         return SetData(packet);
     CheckBrowseMode();
+    FetchAll();
     FStore->Append(packet);
 }
 
@@ -108,6 +138,7 @@ void TCustomClientDataSet::CreateDataSet()
 void TCustomClientDataSet::EmptyDataSet()
 {
     CheckBrowseMode();
+    FFeed.reset();
     *FDataNumber = NextDataNumber(); // record numbers begin anew
     FStore->Clear();
 }
@@ -115,7 +146,7 @@ void TCustomClientDataSet::EmptyDataSet()
 void TCustomClientDataSet::SaveToFile(const QString &fileName) const
 {
     CheckActive();
-    FStore->Data().SaveToFile(fileName);
+    Data().SaveToFile(fileName);
 }
 
 void TCustomClientDataSet::LoadFromFile(const QString &fileName)
@@ -126,6 +157,7 @@ void TCustomClientDataSet::LoadFromFile(const QString &fileName)
 void TCustomClientDataSet::CloneCursor(TCustomClientDataSet *source, bool reset, bool keepSettings)
 {
     source->CheckActive();
+    source->FetchAll();
     const auto store = source->FStore;
     const auto number = source->FDataNumber;
     Close();
@@ -162,7 +194,7 @@ void TCustomClientDataSet::AdoptSettings(const TCustomClientDataSet &source)
 
 // ---- the rows -------------------------------------------------------------------------
 
-qsizetype TCustomClientDataSet::RecordCount() const { return FView ? FView->Count() : 0; }
+qsizetype TCustomClientDataSet::FetchedCount() const { return FView ? FView->Count() : 0; }
 
 const TRowReader &TCustomClientDataSet::RowOf(quint32 record) const
 {
@@ -260,6 +292,15 @@ void TCustomClientDataSet::ChangesMerged()
     if (FStatusFilter)
         return StoreReset();
     Follow(CurrentRecord(), false);
+}
+
+void TCustomClientDataSet::RowsFetched()
+{
+    FFeed.reset();
+    FView->Select();
+    FSearches.Clear();
+    ++FVersion;
+    Notify(deRowsFetched);
 }
 
 void TCustomClientDataSet::Follow(quint32 current, bool moved)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/data/RowFeed.h"
 #include "platform/data/RowSearches.h"
 #include "platform/data/dataset/Aggregate.h"
 #include "platform/data/dataset/DataSet.h"
@@ -34,6 +35,9 @@ public:
     /// packet without fields only closes. A delta shows its rows, each with its UpdateStatus.
     TDataPacket Data() const;
     void SetData(const TDataPacket &packet);
+    /// Opens on the first rows; the others are fetched when something depends on them, which is at once
+    /// where an order or a filter is set.
+    void SetData(const TFirstRows &rows);
     /// Adds rows at the end, which are no changes. On a closed dataset the same as SetData.
     /// hitEof is for programs that fetch in steps; it has no effect.
     void AppendData(const TDataPacket &packet, bool hitEof = true);
@@ -111,7 +115,9 @@ public:
     /// Aggregates over the rows shown. The list's aggregates belong to the dataset.
     TAggregates &Aggregates() { return FAggregates; }
 
-    qsizetype RecordCount() const override;
+    qsizetype FetchedCount() const override;
+    bool IsFetched() const override { return !FFeed; }
+    void FetchNext(QDeadlineTimer deadline) override;
 
     /// Bytes of the rows and their order.
     qsizetype MemoryUsage() const;
@@ -139,11 +145,14 @@ private:
     void RecordInserted(quint32 record) override;
     void RecordModified(quint32 record, const TRowReader &old) override;
     void ChangesMerged() override;
+    void RowsFetched() override;
     void RecordDeleted(quint32 record) override;
     void StoreReset() override;
 
     TRecordStore &Store() const;
-    void OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number);
+    void OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number,
+                   std::shared_ptr<TRowFeed> feed = nullptr);
+    void OpenPacket(const TDataPacket &packet, std::shared_ptr<TRowFeed> feed);
     void AdoptSettings(const TCustomClientDataSet &source);
     /// The order that the index properties ask for, on the open data.
     std::vector<TOrderPart> OrderFor(const QString &fieldNames, const QString &indexName) const;
@@ -167,6 +176,7 @@ private:
     void Follow(quint32 current, bool moved);
 
     std::shared_ptr<TRecordStore> FStore;
+    std::shared_ptr<TRowFeed> FFeed; // of the rows that are not there yet; nothing is changed before
     std::optional<TRecordView> FView;
     std::shared_ptr<quint64> FDataNumber; // of the loaded data, shared with clones
     quint64 FVersion = 1;                 // counts what aggregates depend on

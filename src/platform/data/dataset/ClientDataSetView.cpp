@@ -141,6 +141,7 @@ void TCustomClientDataSet::CheckIndex(const TIndexDef &index) const
         Fail(QStringLiteral("索引“%1”没有字段").arg(index.Name));
     if (!IsUnique(index))
         return;
+    FetchAll();
     TRecordView view(*FStore);
     view.Select({order, {}, {}, 0});
     for (qsizetype i = 1; i < view.Count(); ++i)
@@ -185,6 +186,8 @@ TRecordView::TRules TCustomClientDataSet::RulesFor(std::vector<TOrderPart> order
 
 void TCustomClientDataSet::SelectBy(TRecordView::TRules rules)
 {
+    if (!rules.SelectAll())
+        FetchAll();
     const quint32 current = CurrentRecord();
     FView->Select(std::move(rules));
     FSearches.Clear();
@@ -206,6 +209,7 @@ void TCustomClientDataSet::InternalRefresh()
 
 qsizetype TCustomClientDataSet::Find(const QString &names, const QVariant &values, TLocateOptions options)
 {
+    FetchAll();
     TRowSearches::TSearch &search = FSearches.Of(ColumnsOf(names), options, FStore->Fields());
     TRowSearches::SetKey(search, names, values);
     return TRowSearches::Find(search, RecordCount(),

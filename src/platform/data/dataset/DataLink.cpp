@@ -106,6 +106,8 @@ void TDataLink::Handle(TDataEvent event, TField *field, qsizetype distance)
         return DataSetChanged();
     case deDataSetScroll:
         return DataSetScrolled(distance);
+    case deRowsFetched:
+        return RowsFetched();
     case deLayoutChange:
         return LayoutChanged();
     case deUpdateRecord:

@@ -77,6 +77,8 @@ protected:
     /// Another row is current, so many rows further. By default a change of the dataset.
     virtual void DataSetScrolled(qsizetype) { DataSetChanged(); }
     virtual void LayoutChanged() { DataSetChanged(); }
+    /// FetchedCount has grown. By default nothing: who asked for RecordCount knew of these rows.
+    virtual void RowsFetched() {}
     virtual void UpdateData() {}
     virtual void CheckBrowseMode() {}
     virtual void FocusControl(TField *) {}

@@ -114,7 +114,7 @@ void TDataSet::UpdateRecord()
 // ---- moving ---------------------------------------------------------------------------
 
 /// Neither at the beginning nor at the end, unless there is nothing.
-void TDataSet::ClearFlags() { FBof = FEof = RecordCount() == 0; }
+void TDataSet::ClearFlags() { FBof = FEof = IsEmpty(); }
 
 void TDataSet::SetPosition(qsizetype position)
 {
@@ -125,32 +125,41 @@ void TDataSet::SetPosition(qsizetype position)
 
 quint32 TDataSet::CurrentRecord() const
 {
-    return FState == dsInactive || FState == dsInsert || RecordCount() == 0 ? NoRecord : RecordAt(FPosition);
+    return FState == dsInactive || FState == dsInsert || IsEmpty() ? NoRecord : RecordAt(FPosition);
 }
 
 void TDataSet::Resync(quint32 record)
 {
     const qsizetype place = record == NoRecord ? -1 : PositionOf(record);
-    SetPosition(place >= 0 ? place : qBound<qsizetype>(0, FPosition, qMax<qsizetype>(RecordCount() - 1, 0)));
+    SetPosition(place >= 0 ? place : qBound<qsizetype>(0, FPosition, qMax<qsizetype>(FetchedCount() - 1, 0)));
 }
 
-qsizetype TDataSet::RecNo() const
+void TDataSet::FetchAll() const
 {
-    return Active() && FState != dsInsert && RecordCount() > 0 ? FPosition + 1 : 0;
+    if (!IsFetched())
+        const_cast<TDataSet *>(this)->FetchNext(QDeadlineTimer::Forever);
 }
+
+qsizetype TDataSet::RecordCount() const
+{
+    FetchAll();
+    return FetchedCount();
+}
+
+qsizetype TDataSet::RecNo() const { return Active() && FState != dsInsert && !IsEmpty() ? FPosition + 1 : 0; }
 
 qsizetype TDataSet::InsertPosition() const
 {
     if (FState != dsInsert)
         return -1;
     const qsizetype place = FInsertBefore == NoRecord ? -1 : PositionOf(FInsertBefore);
-    return place < 0 ? RecordCount() : place;
+    return place < 0 ? FetchedCount() : place;
 }
 
 void TDataSet::SetRecNo(qsizetype number)
 {
     CheckBrowseMode();
-    if (number < 1 || number > RecordCount())
+    if (number < 1 || (number > FetchedCount() && number > RecordCount()))
         Fail(QStringLiteral("没有第 %1 条记录").arg(number));
     if (number == RecNo())
         return;
@@ -187,7 +196,9 @@ qsizetype TDataSet::MoveBy(qsizetype distance)
     DoBeforeScroll();
     if (distance == 0 || (distance > 0 ? FEof : FBof))
         return 0;
-    const qsizetype room = distance > 0 ? RecordCount() - 1 - FPosition : FPosition;
+    if (distance > FetchedCount() - 1 - FPosition)
+        FetchAll();
+    const qsizetype room = distance > 0 ? FetchedCount() - 1 - FPosition : FPosition;
     const bool isShort = distance > 0 ? distance > room : distance < -room;
     const qsizetype moved = !isShort ? distance : distance > 0 ? room : -room;
     SetPosition(FPosition + moved);
@@ -220,7 +231,7 @@ bool TDataSet::BookmarkValid(const TBookmark &bookmark) const
 
 TBookmark TDataSet::BookmarkAt(qsizetype place) const
 {
-    if (!Active() || place < 0 || place >= RecordCount())
+    if (!Active() || place < 0 || place >= FetchedCount())
         return {};
     return TBookmark(DataNumber(), RecordAt(place));
 }
@@ -268,9 +279,10 @@ void TDataSet::Edit()
     if (EditedRow())
         return;
     CheckActive();
-    if (RecordCount() == 0)
+    if (IsEmpty())
         return Insert();
     CheckBrowseMode();
+    FetchAll();
     if (!CanModify())
         Fail(QStringLiteral("数据集是只读的，不能修改"));
     DoBeforeEdit();
@@ -292,6 +304,7 @@ void TDataSet::BeginInsert(bool atEnd)
     CheckBrowseMode();
     if (!CanModify())
         Fail(QStringLiteral("数据集是只读的，不能新增"));
+    FetchAll();
     DoBeforeInsert();
     DoBeforeScroll();
     FReturnRecord = CurrentRecord();
@@ -376,10 +389,11 @@ void TDataSet::Delete()
     CheckActive();
     if (FState == dsInsert)
         return Cancel();
-    if (RecordCount() == 0)
+    if (IsEmpty())
         Fail(QStringLiteral("数据集为空，没有可删除的记录"));
     if (!CanModify())
         Fail(QStringLiteral("数据集是只读的，不能删除"));
+    FetchAll();
     Notify(deCheckBrowseMode);
     DoBeforeDelete();
     DoBeforeScroll();

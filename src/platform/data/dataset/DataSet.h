@@ -7,6 +7,8 @@
 #include "platform/data/dataset/Field.h"
 #include "platform/data/store/RowValues.h"
 
+#include <QDeadlineTimer>
+
 #include <functional>
 
 namespace Korvane {
@@ -53,6 +55,11 @@ private:
 ///
 /// Beginning and end are flags: First sets Bof, Last sets Eof, moving beyond the last row sets
 /// Eof and stays there; on an empty set both are true.
+///
+/// A set may be open when only its first rows are there. The others are fetched as soon as anything
+/// depends on them: a change of any row, RecordCount, Last, moving beyond those that are there, a
+/// search, an order, a filter, a sum. So only what shows rows needs to know: it asks for FetchedCount,
+/// and fetches the others while the user is idle.
 class TDataSet : public TComponent
 {
     Q_OBJECT
@@ -102,8 +109,17 @@ public:
     const QList<TFieldDef> &FieldDefs() const { return FFieldDefs; }
 
     // ---- rows
-    virtual qsizetype RecordCount() const = 0;
-    bool IsEmpty() const { return RecordCount() == 0; }
+    /// How many rows are shown. Fetches all.
+    qsizetype RecordCount() const;
+    bool IsEmpty() const { return FetchedCount() == 0; }
+    /// How many of them are there: less than RecordCount only while IsFetched is false, and never 0 then.
+    virtual qsizetype FetchedCount() const = 0;
+    virtual bool IsFetched() const { return true; }
+    /// Fetches rows until the deadline, without moving. They appear together, when the last one is there
+    /// (deRowsFetched). What fails raises, here and wherever all rows are needed.
+    virtual void FetchNext(QDeadlineTimer) {}
+    /// All rows belong to the set before they are fetched too, so that this changes nothing.
+    void FetchAll() const;
     bool Bof() const { return FBof; }
     bool Eof() const { return FEof; }
     /// From 1; 0 on an empty set and for a new row.

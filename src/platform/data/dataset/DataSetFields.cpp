@@ -120,7 +120,7 @@ quint32 TDataSet::ReadRecord() const
     if (FReadsRecord)
         return FReadRecord;
     if (FPeek >= 0)
-        return FPeek < RecordCount() ? RecordAt(FPeek) : NoRecord;
+        return FPeek < FetchedCount() ? RecordAt(FPeek) : NoRecord;
     return CurrentRecord();
 }
 

@@ -24,6 +24,7 @@ enum TDataEvent {
     deRecordChange,    ///< the current row, nothing else
     deDataSetChange,   ///< rows, order or the current row
     deDataSetScroll,   ///< another row is current
+    deRowsFetched,     ///< more rows stand behind the others, and nothing else has changed
     deLayoutChange,    ///< the fields, or how they are shown
     deUpdateRecord,    ///< controls are to write what was typed into their fields
     deUpdateState,     ///< the state

@@ -383,6 +383,17 @@ void TRecordStore::AppendToPacket(const TDataPacket &packet, qsizetype rows, std
             FOverlay.Set(record, nullptr);
 }
 
+void TRecordStore::Extend(const TDataPacket &whole)
+{
+    for (int i = 0; i < whole.FieldCount(); ++i)
+        if (whole.Column(i).Kind() != FKinds[size_t(i)])
+            throw EDatabaseError(QStringLiteral("字段“%1”后面的值与前面的记录类型不同，不能分步读取")
+                                     .arg(whole.Field(i).Name));
+    FPacket = whole;
+    FRecordLimit = quint32(whole.RowCount());
+    Tell([](TStoreObserver &observer) { observer.RowsFetched(); });
+}
+
 void TRecordStore::Clear()
 {
     FOverlay = {};

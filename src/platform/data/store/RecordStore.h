@@ -22,6 +22,8 @@ public:
     virtual void StoreReset() = 0;
     /// All present records are usUnmodified now; records, values and order stand.
     virtual void ChangesMerged() { StoreReset(); }
+    /// Records stand behind those there were; all else is as it was.
+    virtual void RowsFetched() { StoreReset(); }
 };
 
 /// The records of a dataset: the rows of a packet that stay where they are, changed and new
@@ -99,6 +101,9 @@ public:
     /// when a field is unknown or its kind does not fit, and EOutOfResources when the rows are too
     /// many. A log in the packet is left out.
     void Append(const TDataPacket &packet);
+    /// Takes the packet of which the loaded one is the beginning. Nothing may have been changed before.
+    /// Raises EDatabaseError, and changes nothing, when one of its columns is of another kind.
+    void Extend(const TDataPacket &whole);
     /// Removes all records and the log. Numbers begin anew.
     void Clear();
 

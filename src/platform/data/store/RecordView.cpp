@@ -23,8 +23,7 @@ bool TRecordView::Sees(quint32 record) const
 
 bool TRecordView::MayBeWhole(const TRules &rules) const
 {
-    return rules.Order.empty() && rules.Filter.IsEmpty() && !rules.Accepts && rules.Statuses == 0 &&
-           FStore.IsNaturalByNumber() && !FStore.HasMissing();
+    return rules.SelectAll() && FStore.IsNaturalByNumber() && !FStore.HasMissing();
 }
 
 /// The records of the right status, in the natural order.

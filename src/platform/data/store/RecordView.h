@@ -26,6 +26,9 @@ public:
         TBoundFilter Filter;
         std::function<bool(quint32)> Accepts; ///< empty accepts all
         int Statuses = 0;                     ///< bits by TUpdateStatus; 0 is all but the deleted
+
+        /// Whether all present records are seen, in their natural order.
+        bool SelectAll() const { return Order.empty() && Filter.IsEmpty() && !Accepts && Statuses == 0; }
     };
 
     /// The store must live as long as the view.
