@@ -183,7 +183,7 @@ QString TExDBGrid::GetDBImage(const QString &fieldName)
 void TExDBGrid::ColEnter()
 {
     TwwDBGrid::ColEnter();
-    if (!DataLink().Active() || DataSet()->RecordCount() == 0 || !DataSet()->FindField(SelectField))
+    if (!DataLink().Active() || DataSet()->IsEmpty() || !DataSet()->FindField(SelectField))
         return;
     const TField *field = GetActiveField();
     WriteReadOnly(!field || field->FieldName() != SelectField);

@@ -24,6 +24,7 @@ protected:
     void DataSetChanged() override { FModel.Synchronize(); }
     void DataSetScrolled(qsizetype) override { FModel.CursorMoved(); }
     void LayoutChanged() override { FModel.LayoutChanged(); }
+    void RowsFetched() override { FModel.RowsFetched(); }
 
 private:
     TDataSetModel &FModel;
@@ -118,7 +119,7 @@ TDataSetModel::TRows TDataSetModel::LookAtRows() const
     const TDataSet *set = OpenSet();
     if (!set)
         return rows;
-    rows.Count = set->RecordCount();
+    rows.Count = set->FetchedCount();
     rows.Inserted = set->InsertPosition();
     rows.Current = set->RecNo() - 1;
     rows.Bookmark = set->GetBookmark();
@@ -207,6 +208,33 @@ void TDataSetModel::Apply(const TStep &step, const TRows &rows)
         break;
     }
     TellAllCells();
+}
+
+void TDataSetModel::RowsFetched()
+{
+    const TRows rows = LookAtRows();
+    if (FIsTelling || rows.Count <= FRows.Count)
+        return Synchronize();
+    {
+        const QScopedValueRollback telling(FIsTelling, true);
+        beginInsertRows({}, FRowCount, FRowCount + int(rows.Count - FRows.Count) - 1);
+        Adopt(rows);
+        endInsertRows();
+    }
+    if (FIsOutdated)
+        Synchronize();
+}
+
+bool TDataSetModel::canFetchMore(const QModelIndex &parent) const
+{
+    const TDataSet *set = OpenSet();
+    return !parent.isValid() && set && !set->IsFetched();
+}
+
+void TDataSetModel::fetchMore(const QModelIndex &parent)
+{
+    if (canFetchMore(parent) && !FIsTelling)
+        Try([set = OpenSet()] { set->FetchAll(); });
 }
 
 void TDataSetModel::Adopt(const TRows &rows)
@@ -317,7 +345,7 @@ template <class Action> bool TDataSetModel::WithRow(int row, Action action) cons
     TDataSet *set = OpenSet();
     const qsizetype place = PlaceOf(row);
     // NOTE: the dataset may be ahead of what it has told.
-    if (!set || place >= set->RecordCount() || (place < 0 && set->State() != dsInsert))
+    if (!set || place >= set->FetchedCount() || (place < 0 && set->State() != dsInsert))
         return false;
     const TDataSet::TPeek peek(*set, place);
     action();

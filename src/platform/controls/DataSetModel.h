@@ -59,6 +59,9 @@ public:
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
+    /// A view asks for more when it comes to the end of the rows that are there: all others are fetched.
+    bool canFetchMore(const QModelIndex &parent) const override;
+    void fetchMore(const QModelIndex &parent) override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     /// Labels of the fields, and numbers of the rows.
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
@@ -117,6 +120,7 @@ private:
     void TellAllCells();
     void SetChanged();
     void LayoutChanged();
+    void RowsFetched();
     /// Shows the current row anew, or one field of it and what is calculated from it.
     void RowChanged(const TField *field);
     void CursorMoved();

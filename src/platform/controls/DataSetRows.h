@@ -8,17 +8,29 @@
 namespace Korvane {
 
 /// The rows that a dataset shows, a row being inserted counting as one, by place from 0: how
-/// controls of many rows see a dataset. All are cheap.
+/// controls of many rows see a dataset. All are cheap, but that rows that are asked for may have to be
+/// fetched first.
 class TDataSetRows
 {
 public:
     /// None, which has no rows, for a null dataset.
     explicit TDataSetRows(TDataSet *dataSet) : FDataSet(dataSet) {}
 
+    /// All of them.
     qsizetype Count() const
     {
-        return !IsOpen() ? 0 : FDataSet->RecordCount() + (FDataSet->State() == dsInsert ? 1 : 0);
+        if (IsOpen())
+            FDataSet->FetchAll();
+        return Fetched();
     }
+    /// Those that are there to be painted.
+    qsizetype Fetched() const
+    {
+        return !IsOpen() ? 0 : FDataSet->FetchedCount() + (FDataSet->State() == dsInsert ? 1 : 0);
+    }
+    bool Has(qsizetype row) const { return row < Fetched() || row < Count(); }
+    /// The row, or the last one if there are not so many.
+    qsizetype Nearest(qsizetype row) const { return Has(row) ? row : Count() - 1; }
     /// -1 without rows.
     qsizetype Current() const
     {
@@ -36,7 +48,7 @@ public:
     /// them in an ordered view; a refusal raises, and nothing moves.
     void GoTo(qsizetype row) const
     {
-        if (row == Current())
+        if (row == Current() || !Has(row))
             return;
         const TBookmark target = BookmarkAt(row);
         FDataSet->CheckBrowseMode();

@@ -430,6 +430,36 @@ TEST(DataSetModel, StaysTrueWhileAViewChangesTheDataset)
     EXPECT_EQ(TextOf(model), "B|2|N C|3| D|4|Y");
 }
 
+TEST(DataSetModel, HasRowsFetchedWhenAViewComesToTheirEnd)
+{
+    QList<QVariantList> rows;
+    for (int i = 0; i < 200; ++i)
+        rows += {QStringLiteral("A%1").arg(i), i, "Y"};
+    const auto feed = std::make_shared<TTestFeed>(PacketOf(Fields, rows));
+    TClientDataSet set;
+    set.SetData(TTestFeed::Begin(feed, 50));
+    TWatchedModel watched(&set);
+    QTableView view;
+    view.setModel(&watched.Model);
+    view.resize(300, 200);
+    view.show();
+    EXPECT_EQ(watched.Model.rowCount(), 50);
+    EXPECT_TRUE(watched.Model.canFetchMore({}));
+    view.setCurrentIndex(watched.Model.index(20, 1));
+    feed->Break("断线");
+    watched.Take();
+    view.scrollToBottom();
+    EXPECT_TRUE(watched.Take().contains(u"failed: 断线"));
+    EXPECT_EQ(watched.Model.rowCount(), 50);
+    feed->Break({});
+    watched.Model.fetchMore({});
+    EXPECT_EQ(watched.Take(), "insert 50");
+    EXPECT_EQ(watched.Model.rowCount(), 200);
+    EXPECT_EQ(watched.Model.index(199, 0).data(), "A199");
+    EXPECT_EQ(view.currentIndex().row(), 20);
+    EXPECT_FALSE(watched.Model.canFetchMore({}));
+}
+
 TEST(DataSetModel, OutlivesWhatItShows)
 {
     auto set = Goods(), other = Goods();

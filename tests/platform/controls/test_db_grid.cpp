@@ -399,6 +399,87 @@ TEST(DBGrid, SurvivesTheEndOfWhatItShowsInAnyOrder)
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
+/// A grid on a dataset of 100 rows that has fetched 20.
+struct TFetchingGrid
+{
+    TFetchingGrid()
+    {
+        Set.SetData(TTestFeed::Begin(Feed, 20));
+        Window = std::make_unique<TGridWindow>(Set);
+        (*Window)->SetOptions((*Window)->Options() | dgShowFooter);
+        (*Window)->SetFooterKind(u"QTY"_s, fkSum);
+    }
+    /// The fetched rows, the first one that is painted, the current cell and the sum.
+    QString Text() const
+    {
+        const TwwDBGrid &grid = **Window;
+        return u"%1 top %2 at %3 sum %4"_s.arg(grid.Layout().RowCount)
+            .arg(grid.Layout().TopRow)
+            .arg(Window->Place(), grid.FooterText(2));
+    }
+
+    const std::shared_ptr<TTestFeed> Feed = std::make_shared<TTestFeed>(Items(100)->Data(), 5);
+    TClientDataSet Set;
+    std::unique_ptr<TGridWindow> Window;
+};
+
+TEST(DBGrid, FetchesTheOtherRowsWhileNothingElseIsDone)
+{
+    TFetchingGrid fetching;
+    TGridWindow &grid = *fetching.Window;
+    grid->grab();
+    EXPECT_EQ(fetching.Text(), u"20 top 0 at 0,0 browse sum "_s) << "the first page is there, and no sum yet";
+    grid.Click(3, 2);
+    grid->verticalScrollBar()->setValue(5);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fetching.Set.IsFetched(); }));
+    EXPECT_EQ(fetching.Text(), u"100 top 5 at 3,2 browse sum 50500"_s) << "row and scroll bar stay";
+    EXPECT_GT(grid->verticalScrollBar()->maximum(), 80);
+
+    TFetchingGrid broken;
+    broken.Feed->Break(u"断线"_s);
+    EXPECT_THROW(QCoreApplication::processEvents(), EDatabaseError);
+    QCoreApplication::processEvents(); // told once
+    EXPECT_EQ(broken.Window->Grid->Layout().RowCount, 20);
+
+    TFetchingGrid closed;
+    closed.Set.Close();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(closed.Window->Grid->Layout().RowCount, 0);
+}
+
+TEST(DBGrid, KeysAndEditsReachRowsThatAreStillToBeFetched)
+{
+    const struct
+    {
+        QString Keys, Place;
+        qsizetype Rows;
+    } rows[] = {
+        {u"<Down><Up><End><Home>"_s, u"0,0 browse"_s, 20},
+        {u"<PgDown><Right>"_s, u"%1,1 browse"_s, 20},
+        {u"<Ctrl+End>"_s, u"99,0 browse"_s, 100},
+        {u"<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>"
+         "<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>"_s,
+         u"20,0 browse"_s, 100},
+        {u"<Shift+Ctrl+End>"_s, u"0,0 browse"_s, 100},
+        {u"<F2>"_s, u"0,0 browse*"_s, 20},
+        {u"<F2>x"_s, u"0,0 edit*"_s, 100},
+    };
+    for (const auto &row : rows) {
+        TFetchingGrid fetching;
+        const int page = fetching.Window->Grid->Layout().FullRows();
+        fetching.Window->Type(row.Keys);
+        EXPECT_EQ(fetching.Window->Place(), row.Place.contains(u"%1") ? row.Place.arg(page) : row.Place)
+            << row.Keys.toStdString();
+        EXPECT_EQ(fetching.Set.FetchedCount(), row.Rows) << row.Keys.toStdString();
+    }
+    TFetchingGrid marked;
+    marked.Window->Type(u"<Shift+Ctrl+End>"_s);
+    EXPECT_EQ(marked.Window->Grid->SelectedBlock().Bottom, 99);
+    TFetchingGrid chosen;
+    chosen.Window->Grid->SetCurrentCell({70, 1});
+    EXPECT_EQ(chosen.Window->Place(), u"70,1 browse"_s);
+}
+
 TEST(DBGrid, ReopeningKeepsNothing)
 {
     auto set = Items(50);

@@ -22,6 +22,13 @@ using namespace Qt::StringLiterals;
 
 namespace Korvane {
 
+namespace {
+
+/// For how long at most the grid fetches rows at a time, so that the user notices nothing.
+constexpr std::chrono::milliseconds IdleSlice(8);
+
+} // namespace
+
 TwwDBGrid::TwwDBGrid(QWidget *parent)
     : QAbstractScrollArea(parent), FEditing(std::make_unique<TGridEditing>(*this)),
       FTitles(std::make_unique<TGridTitles>(*this)), FTotals(std::make_unique<TGridTotals>())
@@ -55,6 +62,7 @@ void TwwDBGrid::TLink::ActiveChanged()
     }
     FGrid.LinkActive(Active());
     FGrid.RowsChanged();
+    FGrid.FetchWhileIdle();
 }
 
 void TwwDBGrid::TLink::EditingChanged()
@@ -105,6 +113,16 @@ void TwwDBGrid::TLink::LayoutChanged()
     FGrid.RowsChanged();
 }
 
+void TwwDBGrid::TLink::RowsFetched()
+{
+    if (!FGrid.FEditing)
+        return;
+    FGrid.FTotals->Forget();
+    FGrid.FLayout.RowCount = FGrid.Rows().Fetched();
+    FGrid.UpdateScrollBars();
+    FGrid.UpdateCurrent();
+}
+
 void TwwDBGrid::TLink::UpdateData()
 {
     if (FGrid.FEditing)
@@ -126,10 +144,28 @@ TDataSetRows TwwDBGrid::Rows() const { return TDataSetRows(FLink.Active() ? FLin
 void TwwDBGrid::RowsChanged()
 {
     const TDataSetRows rows = Rows();
-    FLayout.RowCount = rows.Count();
+    FLayout.RowCount = rows.Fetched();
     FLayout.TopRow = FLayout.TopRowFor(rows.Current());
     UpdateScrollBars();
     UpdateCurrent();
+}
+
+void TwwDBGrid::FetchWhileIdle()
+{
+    if (FLink.Active() && !DataSet()->IsFetched())
+        FFetching.start(0, this);
+    else
+        FFetching.stop();
+}
+
+void TwwDBGrid::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != FFetching.timerId())
+        return QAbstractScrollArea::timerEvent(event);
+    FFetching.stop(); // what fails is told once
+    if (FLink.Active())
+        DataSet()->FetchNext(QDeadlineTimer(IdleSlice));
+    FetchWhileIdle();
 }
 
 void TwwDBGrid::UpdateCurrent()
@@ -416,8 +452,7 @@ void TwwDBGrid::SelectTo(const TGridCell &cell)
     if (CurrentCell().IsNull() || cell.IsNull())
         return;
     CommitEdit();
-    FBlockEnd = {qBound<qsizetype>(0, cell.Row, Rows().Count() - 1),
-                 qBound(0, cell.Column, ColumnCount() - 1)};
+    FBlockEnd = {Rows().Nearest(qMax<qsizetype>(0, cell.Row)), qBound(0, cell.Column, ColumnCount() - 1)};
     if (FBlockEnd == CurrentCell())
         FBlockEnd = {};
     else
@@ -443,7 +478,7 @@ bool TwwDBGrid::CanEditColumn(int index) const
     if (!field || column.ReadOnly() || field->Calculated() || field->ReadOnly() || !DataSet()->CanModify())
         return false;
     const bool isBeingEdited = DataSet()->State() != dsBrowse;
-    if (!isBeingEdited && (!DataSource()->AutoEdit() || Rows().Count() == 0))
+    if (!isBeingEdited && (!DataSource()->AutoEdit() || Rows().Fetched() == 0))
         return false;
     const TCellControlKind kind = column.Control().Kind;
     return !field->IsBlob() || kind == ckMemo || kind == ckCustomEdit;

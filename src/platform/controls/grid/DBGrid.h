@@ -9,6 +9,7 @@
 #include "platform/data/dataset/DataLink.h"
 
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
 
 namespace Korvane {
 
@@ -254,6 +255,7 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     bool viewportEvent(QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
 
 private:
     friend class TwwColumn;
@@ -275,6 +277,7 @@ private:
         void DataSetChanged() override;
         void DataSetScrolled(qsizetype distance) override;
         void LayoutChanged() override;
+        void RowsFetched() override;
         void UpdateData() override;
         void FocusControl(TField *field) override;
 
@@ -296,6 +299,8 @@ private:
     void ScrollTo(qsizetype topRow, int offset);
     /// Rows have come or gone, or another one is current.
     void RowsChanged();
+    /// Has the rows fetched that are not there yet, a little whenever nothing else is to be done.
+    void FetchWhileIdle();
     void UpdateCurrent();
     bool TakesInputMethod() const;
     bool IsCurrentInSight() const;
@@ -349,6 +354,7 @@ private:
     TGridCell FPressed;  // where the mouse went down
     bool FEditOnRelease = false;
     double FCharWidth = 8;
+    QBasicTimer FFetching;
     QString FFailure; // shown already, of what painting raised
     std::unique_ptr<TGridEditing> FEditing;
     std::unique_ptr<TGridTitles> FTitles;

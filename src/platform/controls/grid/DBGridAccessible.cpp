@@ -33,7 +33,7 @@ bool HasTitles(const TwwDBGrid &grid) { return grid.Layout().TitleHeight > 0; }
 /// The rows that the grid knows of, and which are there. Children are counted in ints.
 int RowCountOf(const TwwDBGrid &grid)
 {
-    const qsizetype rows = qMin(grid.Layout().RowCount, TDataSetRows(grid.DataSet()).Count());
+    const qsizetype rows = qMin(grid.Layout().RowCount, TDataSetRows(grid.DataSet()).Fetched());
     const int most = (std::numeric_limits<int>::max() - 1000) / qMax(1, grid.ColumnCount()) - 1;
     return int(qMin<qsizetype>(rows, most));
 }

@@ -184,9 +184,13 @@ bool TwwDBGrid::GoToNewRow()
 
 TGridCell TwwDBGrid::TargetOf(const QKeyEvent &event, const TGridCell &from) const
 {
-    const qsizetype lastRow = Rows().Count() - 1, page = FLayout.FullRows();
+    const TDataSetRows rows = Rows();
+    const qsizetype page = FLayout.FullRows();
     const int lastColumn = ColumnCount() - 1;
     const bool isControl = Has(event, Qt::ControlModifier);
+    const auto down = [&](qsizetype by) {
+        return isControl ? rows.Count() - 1 : rows.Nearest(from.Row + by);
+    };
     switch (event.key()) {
     case Qt::Key_Left:
         return {from.Row, isControl ? 0 : qMax(0, from.Column - 1)};
@@ -195,15 +199,15 @@ TGridCell TwwDBGrid::TargetOf(const QKeyEvent &event, const TGridCell &from) con
     case Qt::Key_Up:
         return {isControl ? 0 : qMax<qsizetype>(0, from.Row - 1), from.Column};
     case Qt::Key_Down:
-        return {isControl ? lastRow : qMin(lastRow, from.Row + 1), from.Column};
+        return {down(1), from.Column};
     case Qt::Key_PageUp:
         return {isControl ? 0 : qMax<qsizetype>(0, from.Row - page), from.Column};
     case Qt::Key_PageDown:
-        return {isControl ? lastRow : qMin(lastRow, from.Row + page), from.Column};
+        return {down(page), from.Column};
     case Qt::Key_Home:
         return {isControl ? 0 : from.Row, isControl ? from.Column : 0};
     case Qt::Key_End:
-        return {isControl ? lastRow : from.Row, isControl ? from.Column : lastColumn};
+        return {down(0), isControl ? from.Column : lastColumn};
     default:
         return {};
     }
@@ -271,7 +275,7 @@ void TwwDBGrid::GoToNextCell()
     const int next = firstFrom(cell.Column + 1);
     if (next < ColumnCount())
         return SetSelectedIndex(next);
-    if (cell.Row + 1 < Rows().Count())
+    if (Rows().Has(cell.Row + 1))
         MoveRow(cell.Row + 1);
     else if (!GoToNewRow())
         return;

@@ -88,7 +88,8 @@ QString TGridTotals::TextOf(const TwwColumn &column, TDataSet *dataSet)
     if (footer == FFooters.constEnd() || !footer->Value.isEmpty())
         return footer == FFooters.constEnd() ? QString() : footer->Value;
     const TFooterKind kind = footer->Kind;
-    if (kind == fkNone || !field || !dataSet || !dataSet->Active() || (kind != fkCount && !IsNumber(*field)))
+    if (kind == fkNone || !field || !dataSet || !dataSet->Active() || !dataSet->IsFetched() ||
+        (kind != fkCount && !IsNumber(*field)))
         return {};
     const auto known = FTexts.constFind(footer.key());
     if (known != FTexts.constEnd())

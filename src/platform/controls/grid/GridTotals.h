@@ -13,7 +13,8 @@ class TwwColumn;
 
 /// What stands at the feet of a grid's columns: texts, and figures over all rows that its dataset
 /// shows. They belong to fields by name, blind to case, and stay when columns are built anew. A
-/// figure is reckoned when it is painted after a change of the rows: linear in the rows.
+/// figure is reckoned when it is painted after a change of the rows: linear in the rows. As long as rows
+/// are to be fetched there is none.
 class TGridTotals
 {
 public:
