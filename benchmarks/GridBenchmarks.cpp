@@ -20,6 +20,7 @@ namespace {
 
 constexpr QSize WindowSize(1280, 800);
 constexpr int PagesPerRun = 100;
+constexpr int FirstRows = 1000;
 
 /// Shows a window and has it painted before it returns.
 void ShowPainted(QWidget &window)
@@ -43,6 +44,12 @@ struct TOurs
 {
     explicit TOurs(TLargeTable &large) : Table(NewTable(large)) { Source.SetDataSet(Table.get()); }
 
+    /// Opens so that the first rows are there at once.
+    void OpenInSteps()
+    {
+        Table->SetFirstRows(FirstRows);
+        Table->OpenTable();
+    }
     void ShowGrid()
     {
         Grid = std::make_unique<TExDBGrid>();
@@ -139,6 +146,21 @@ private:
 };
 using TWindowsPtr = std::shared_ptr<TWindows>;
 
+std::unique_ptr<TOurs> OpenInStepsAndPaint(TLargeTable &large)
+{
+    auto ours = std::make_unique<TOurs>(large);
+    ours->OpenInSteps();
+    ours->ShowGrid();
+    return ours;
+}
+
+void SelectAllAndPaint(const QSqlDatabase &database)
+{
+    TTheirs theirs(database);
+    theirs.Model.SelectAll();
+    theirs.ShowView();
+}
+
 bool ShowsAsMuch(TWindows &windows)
 {
     const QTableView &view = windows.View();
@@ -153,24 +175,52 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
 {
     const auto windows = std::make_shared<TWindows>(table);
     return {
-        {.What = QStringLiteral("open 1,000,000 rows and paint the first page"),
+        {.What = QStringLiteral("open 1,000,000 rows in steps and paint the first page"),
          .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
          .Goal = AtLeast(10),
+         .Ours = [windows] { OpenInStepsAndPaint(windows->Large()); },
+         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
+         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
+         .Repetitions = 5,
+         .PeerRepetitions = 2},
+        {.What = QStringLiteral("the same, until the idle window has fetched all rows"),
+         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
+         .Goal = AtLeast(3),
+         .Ours =
+             [windows] {
+                 const auto ours = OpenInStepsAndPaint(windows->Large());
+                 while (!ours->Table->IsFetched())
+                     QCoreApplication::processEvents();
+             },
+         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
+         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
+         .Repetitions = 5,
+         .PeerRepetitions = 2},
+        {.What = QStringLiteral("open 1,000,000 rows at once and paint the first page"),
+         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
+         .Goal = AtLeast(3),
          .Ours =
              [windows] {
                  TOurs ours(windows->Large());
                  ours.Table->OpenTable();
                  ours.ShowGrid();
              },
-         .Theirs =
-             [windows] {
-                 TTheirs theirs(windows->QtDatabase());
-                 theirs.Model.SelectAll();
-                 theirs.ShowView();
-             },
+         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
          .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
          .Repetitions = 5,
          .PeerRepetitions = 2},
+        {.What = QStringLiteral("open 1,000,000 rows in steps and paint the first page, 1,000 rows there"),
+         .Peer = QStringLiteral("QSqlTableModel that has fetched 256 rows in a QTableView"),
+         .Goal = AtLeast(0.5),
+         .Ours = [windows] { OpenInStepsAndPaint(windows->Large()); },
+         .Theirs =
+             [windows] {
+                 TTheirs theirs(windows->QtDatabase());
+                 theirs.Model.select();
+                 theirs.ShowView();
+             },
+         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
+         .Repetitions = 15},
         {.What = QStringLiteral("first paint of a new view of the same rows, which are in memory"),
          .Peer = QStringLiteral("QTableView on the fetched QSqlTableModel"),
          .Goal = AtLeast(1.5),
