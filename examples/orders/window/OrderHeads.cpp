@@ -26,6 +26,7 @@ TOrderHeads::TOrderHeads(QObject *owner) : TExQuery(owner)
     SetName(u"Heads"_s);
     SetQuery(u"QORDERHEAD"_s);
     SetAllowSelect(true);
+    SetFirstRows(100); // the window is there at once, however many orders there are
 }
 
 void TOrderHeads::Post()

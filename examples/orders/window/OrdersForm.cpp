@@ -151,9 +151,11 @@ void TOrdersForm::MakeStatusBar()
 void TOrdersForm::ShowState()
 {
     TExQuery &rows = Rows();
-    FPlace->setText(rows.State() == dsInsert
-                        ? u"新的一笔，已有 %1 笔"_s.arg(rows.RecordCount())
-                        : u"第 %1 笔，共 %2 笔"_s.arg(rows.RecNo()).arg(rows.RecordCount()));
+    // RecordCount would wait for rows that have not been read yet.
+    const qsizetype count = rows.FetchedCount();
+    const QString place = rows.IsFetched() ? u"第 %1 笔，共 %2 笔"_s : u"第 %1 笔，共 %2 笔以上"_s;
+    FPlace->setText(rows.State() == dsInsert ? u"新的一笔，已有 %1 笔"_s.arg(count)
+                                             : place.arg(rows.RecNo()).arg(count));
     FMode->setText(u"状态：%1"_s.arg(ModeName(rows.State())));
 }
 

@@ -163,9 +163,11 @@ void TwwDBGrid::timerEvent(QTimerEvent *event)
     if (event->timerId() != FFetching.timerId())
         return QAbstractScrollArea::timerEvent(event);
     FFetching.stop(); // what fails is told once
+    const QPointer<TwwDBGrid> self(this);
     if (FLink.Active())
         DataSet()->FetchNext(QDeadlineTimer(IdleSlice));
-    FetchWhileIdle();
+    if (self)
+        FetchWhileIdle();
 }
 
 void TwwDBGrid::UpdateCurrent()
