@@ -209,8 +209,10 @@ private:
         static constexpr QLatin1StringView Pairs[] = {"<>"_L1, "<="_L1, ">="_L1, "!="_L1, "!<"_L1,
                                                       "!>"_L1, "=="_L1, "||"_L1, "<<"_L1, ">>"_L1,
                                                       "*="_L1, "=*"_L1, "+="_L1, "-="_L1};
-        const QStringView pair = FText.mid(FAt, 2);
-        FAt += std::any_of(std::begin(Pairs), std::end(Pairs), [&](auto p) { return pair == p; }) ? 2 : 1;
+        const QChar first = FText[FAt], second = Peek(1);
+        const bool isPair = std::any_of(std::begin(Pairs), std::end(Pairs),
+                                        [&](auto pair) { return first == pair[0] && second == pair[1]; });
+        FAt += isPair ? 2 : 1;
         return TSqlTokenKind::Operator;
     }
 

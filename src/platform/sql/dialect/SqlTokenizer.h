@@ -33,9 +33,13 @@ struct TSqlToken
     /// True for the bare word, whatever the case of its letters.
     bool Is(QLatin1StringView word) const
     {
-        return Kind == TSqlTokenKind::Word && Text.compare(word, Qt::CaseInsensitive) == 0;
+        return Kind == TSqlTokenKind::Word && Text.size() == word.size() &&
+               Text.compare(word, Qt::CaseInsensitive) == 0;
     }
-    bool IsOperator(QLatin1StringView sign) const { return Kind == TSqlTokenKind::Operator && Text == sign; }
+    bool IsOperator(QLatin1StringView sign) const
+    {
+        return Kind == TSqlTokenKind::Operator && Text.size() == sign.size() && Text == sign;
+    }
     bool IsQuotedName() const
     {
         return Kind == TSqlTokenKind::BracketName || Kind == TSqlTokenKind::QuotedName;
