@@ -154,11 +154,23 @@ std::unique_ptr<TOurs> OpenInStepsAndPaint(TLargeTable &large)
     return ours;
 }
 
-void SelectAllAndPaint(const QSqlDatabase &database)
+/// A way to the first page, beside Qt's model with all rows.
+TComparison BesideAllRows(const QString &what, const TGoal &goal, const TWindowsPtr &windows,
+                          const std::function<void()> &ours)
 {
-    TTheirs theirs(database);
-    theirs.Model.SelectAll();
-    theirs.ShowView();
+    return {.What = what,
+            .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
+            .Goal = goal,
+            .Ours = ours,
+            .Theirs =
+                [windows] {
+                    TTheirs theirs(windows->QtDatabase());
+                    theirs.Model.SelectAll();
+                    theirs.ShowView();
+                },
+            .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
+            .Repetitions = 5,
+            .PeerRepetitions = 2};
 }
 
 bool ShowsAsMuch(TWindows &windows)
@@ -175,40 +187,22 @@ QList<TComparison> GridComparisons(const std::shared_ptr<TLargeTable> &table)
 {
     const auto windows = std::make_shared<TWindows>(table);
     return {
-        {.What = QStringLiteral("open 1,000,000 rows in steps and paint the first page"),
-         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
-         .Goal = AtLeast(10),
-         .Ours = [windows] { OpenInStepsAndPaint(windows->Large()); },
-         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
-         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
-         .Repetitions = 5,
-         .PeerRepetitions = 2},
-        {.What = QStringLiteral("the same, until the idle window has fetched all rows"),
-         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
-         .Goal = AtLeast(3),
-         .Ours =
-             [windows] {
-                 const auto ours = OpenInStepsAndPaint(windows->Large());
-                 while (!ours->Table->IsFetched())
-                     QCoreApplication::processEvents();
-             },
-         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
-         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
-         .Repetitions = 5,
-         .PeerRepetitions = 2},
-        {.What = QStringLiteral("open 1,000,000 rows at once and paint the first page"),
-         .Peer = QStringLiteral("QSqlTableModel fetched to the end in a QTableView"),
-         .Goal = AtLeast(3),
-         .Ours =
-             [windows] {
-                 TOurs ours(windows->Large());
-                 ours.Table->OpenTable();
-                 ours.ShowGrid();
-             },
-         .Theirs = [windows] { SelectAllAndPaint(windows->QtDatabase()); },
-         .Prepare = [windows] { windows->QtDatabase(), windows->Large().Session(); },
-         .Repetitions = 5,
-         .PeerRepetitions = 2},
+        BesideAllRows(QStringLiteral("open 1,000,000 rows in steps and paint the first page"), AtLeast(10),
+                      windows, [windows] { OpenInStepsAndPaint(windows->Large()); }),
+        BesideAllRows(QStringLiteral("the same, until the idle window has fetched all rows"), AtLeast(3),
+                      windows,
+                      [windows] {
+                          const auto ours = OpenInStepsAndPaint(windows->Large());
+                          while (!ours->Table->IsFetched())
+                              QCoreApplication::processEvents();
+                      }),
+        BesideAllRows(QStringLiteral("open 1,000,000 rows at once and paint the first page"), AtLeast(3),
+                      windows,
+                      [windows] {
+                          TOurs ours(windows->Large());
+                          ours.Table->OpenTable();
+                          ours.ShowGrid();
+                      }),
         {.What = QStringLiteral("open 1,000,000 rows in steps and paint the first page, 1,000 rows there"),
          .Peer = QStringLiteral("QSqlTableModel that has fetched 256 rows in a QTableView"),
          .Goal = AtLeast(0.5),

@@ -2,7 +2,6 @@
 #include "support/DataSets.h"
 
 #include <map>
-#include <numeric>
 
 namespace Korvane {
 
@@ -240,9 +239,7 @@ void TDataSetRecorder::Note(const QString &event)
 TFirstRows TTestFeed::Begin(const std::shared_ptr<TTestFeed> &feed, qsizetype rows)
 {
     TDataPacketBuilder builder(feed->FRows.Fields());
-    std::vector<int> columns(size_t(builder.FieldCount()));
-    std::iota(columns.begin(), columns.end(), 0);
-    builder.AppendRows(feed->FRows, 0, rows, columns);
+    builder.AppendRows(feed->FRows, 0, rows);
     return {std::move(builder).Build(), feed};
 }
 

@@ -249,9 +249,10 @@ public:
     void AppendCell(int field, const TRowReader &row);
     /// Adds whole rows of a packet, of those from begin to end (exclusive). For each field of the
     /// builder it is told which of the packet's columns, of the same kind, holds the values; -1
-    /// leaves the field NULL. No row may have been begun. Raises EOutOfResources, and adds
-    /// nothing, like EndRow and AppendText.
-    void AppendRows(const TDataPacket &packet, qsizetype begin, qsizetype end, std::span<const int> columns);
+    /// leaves the field NULL; told nothing, it takes the packet's fields for its own. No row may have
+    /// been begun. Raises EOutOfResources, and adds nothing, like EndRow and AppendText.
+    void AppendRows(const TDataPacket &packet, qsizetype begin, qsizetype end,
+                    std::span<const int> columns = {});
 
     /// The rows from here on are those of a log, and each is to be ended by EndLogRow.
     void BeginLog(TPacketContent content);

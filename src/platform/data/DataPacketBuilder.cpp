@@ -99,17 +99,18 @@ void TDataPacketBuilder::AppendRows(const TDataPacket &packet, qsizetype begin, 
 {
     if (end - begin > TDataPacket::MaxRowCount - FRowCount)
         RaiseTooManyRows();
+    const auto columnOf = [columns](int field) { return columns.empty() ? field : columns[size_t(field)]; };
     for (int i = 0; i < FieldCount(); ++i) {
-        if (columns[size_t(i)] < 0)
+        if (columnOf(i) < 0)
             continue;
-        const TPacketColumn &source = packet.Column(columns[size_t(i)]);
+        const TPacketColumn &source = packet.Column(columnOf(i));
         if (HasBytes(source.FKind) &&
             !Fits(FFilling[size_t(i)], Run(source.FOffsets, source.FArena, begin, end)))
             RaiseTooMuchText(i);
     }
     for (int i = 0; i < FieldCount(); ++i)
-        if (columns[size_t(i)] >= 0)
-            AppendRun(i, packet.Column(columns[size_t(i)]), size_t(begin), size_t(end));
+        if (columnOf(i) >= 0)
+            AppendRun(i, packet.Column(columnOf(i)), size_t(begin), size_t(end));
     FRowCount += end - begin;
 }
 

@@ -27,12 +27,6 @@ TCustomClientDataSet::~TCustomClientDataSet()
     Close();
 }
 
-TRecordStore &TCustomClientDataSet::Store() const
-{
-    CheckActive();
-    return *FStore;
-}
-
 // ---- opening and closing --------------------------------------------------------------
 
 void TCustomClientDataSet::OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number,

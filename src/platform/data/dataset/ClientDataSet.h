@@ -149,7 +149,6 @@ private:
     void RecordDeleted(quint32 record) override;
     void StoreReset() override;
 
-    TRecordStore &Store() const;
     void OpenStore(std::shared_ptr<TRecordStore> store, std::shared_ptr<quint64> number,
                    std::shared_ptr<TRowFeed> feed = nullptr);
     void OpenPacket(const TDataPacket &packet, std::shared_ptr<TRowFeed> feed);

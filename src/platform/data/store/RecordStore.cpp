@@ -44,11 +44,7 @@ private:
 class TRowCollector
 {
 public:
-    explicit TRowCollector(const TDataPacket &packet)
-        : FPacket(packet), FBuilder(packet.Fields()), FColumns(size_t(packet.FieldCount()))
-    {
-        std::iota(FColumns.begin(), FColumns.end(), 0);
-    }
+    explicit TRowCollector(const TDataPacket &packet) : FPacket(packet), FBuilder(packet.Fields()) {}
 
     /// A row of the packet, or what covers it.
     void Add(quint32 row, const TRowValues *cover)
@@ -81,13 +77,12 @@ private:
     void Flush()
     {
         if (FBegin != FEnd)
-            FBuilder.AppendRows(FPacket, FBegin, FEnd, FColumns);
+            FBuilder.AppendRows(FPacket, FBegin, FEnd);
         FBegin = FEnd = 0;
     }
 
     const TDataPacket &FPacket;
     TDataPacketBuilder FBuilder;
-    std::vector<int> FColumns;
     qsizetype FBegin = 0; // rows that have not gone over yet
     qsizetype FEnd = 0;
 };

@@ -27,8 +27,6 @@ TDataPacket Restricted(const TDataPacket &rows, const QVariantList &restrictions
                                     [](const QVariant &wanted) { return wanted.toString().isEmpty(); });
     if (isFree)
         return rows;
-    std::vector<int> columns(size_t(rows.FieldCount()));
-    std::iota(columns.begin(), columns.end(), 0);
     TDataPacketBuilder builder(rows.Fields());
     const int count = std::min(int(restrictions.size()), rows.FieldCount());
     for (qsizetype row = 0; row < rows.RowCount(); ++row) {
@@ -40,7 +38,7 @@ TDataPacket Restricted(const TDataPacket &rows, const QVariantList &restrictions
         while (field < count && fits(field))
             ++field;
         if (field == count)
-            builder.AppendRows(rows, row, row + 1, columns);
+            builder.AppendRows(rows, row, row + 1);
     }
     return std::move(builder).Build();
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/sql/sqlite/SqliteRowFeed.h"
 
-#include <numeric>
-
 namespace Korvane {
 
 namespace {
@@ -39,9 +37,7 @@ TSqliteRowFeed::TSqliteRowFeed(std::unique_ptr<TSqliteStatement> statement, qsiz
     }
     // Columns that the first rows have widened stay so.
     FBuilder = TDataPacketBuilder(FFirstRows.Fields());
-    std::vector<int> columns(size_t(FFirstRows.FieldCount()));
-    std::iota(columns.begin(), columns.end(), 0);
-    FBuilder.AppendRows(FFirstRows, 0, FFirstRows.RowCount(), columns);
+    FBuilder.AppendRows(FFirstRows, 0, FFirstRows.RowCount());
 }
 
 bool TSqliteRowFeed::Read(QDeadlineTimer deadline)
