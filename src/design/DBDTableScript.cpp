@@ -6,6 +6,8 @@
 #include "general/TextRoutines.h"
 #include "platform/core/Text.h"
 
+#include <QStringBuilder>
+
 namespace Korvane {
 
 namespace {
@@ -17,16 +19,16 @@ QString Filled(const QString &text, int width) { return AddSpaces(text, width, Q
 
 QString ColumnLine(const QString &name, const QString &text, const QString &comment)
 {
-    return QStringLiteral("  ") + Filled(name, NameWidth) + Filled(text, TypeWidth) + comment;
+    return u"  " % Filled(name, NameWidth) % Filled(text, TypeWidth) % comment;
 }
 
 /// Length and precision behind the name of the type.
 QString SizeText(const TFieldsObject &field, TDataType type)
 {
     if (type == dtChar || type == dtVarchar)
-        return QStringLiteral("(%1)").arg(field.FieldSize);
+        return u'(' % QString::number(field.FieldSize) % u')';
     if (type == dtDecimal)
-        return QStringLiteral("(%1, %2)").arg(field.FieldSize).arg(field.FieldPrecision);
+        return u'(' % QString::number(field.FieldSize) % u", " % QString::number(field.FieldPrecision) % u')';
     return {};
 }
 
@@ -41,16 +43,16 @@ QString DefaultText(TFieldsObject &field, TDBType type, bool boolAsChar)
         field.FieldDefault =
             field.FieldDefault == QLatin1String("Y") ? QStringLiteral("1") : QStringLiteral("0");
     const bool bare = type == dbtAccess || bit || field.FieldDefault == QLatin1String("''");
-    return QStringLiteral(" default ") + (bare ? field.FieldDefault : QuotedStr(field.FieldDefault));
+    return u" default " % (bare ? field.FieldDefault : QuotedStr(field.FieldDefault));
 }
 
 QString ColumnText(TFieldsObject &field, TDBType type, bool boolAsChar)
 {
     const TDataType dataType = GetDataType(field.FieldType);
-    return GetDBFieldType(dataType, boolAsChar) + SizeText(field, dataType) +
-           (field.IsAuto ? QStringLiteral(" identity") : QString()) +
-           (field.IsNotNull ? QStringLiteral(" not null") : QStringLiteral(" null")) +
-           DefaultText(field, type, boolAsChar) + QLatin1Char(',');
+    return GetDBFieldType(dataType, boolAsChar) % SizeText(field, dataType) %
+           QStringView(field.IsAuto ? u" identity" : u"") %
+           QStringView(field.IsNotNull ? u" not null" : u" null") % DefaultText(field, type, boolAsChar) %
+           u',';
 }
 
 QString CommentText(const TFieldsObject &field, bool property)

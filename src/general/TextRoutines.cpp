@@ -14,6 +14,9 @@ QString AddSpaces(const QString &text, int count, const QString &pad, bool atLef
     const qsizetype missing = count - Cp936::Length(text);
     if (missing <= 0)
         return text;
+    if (pad.size() == 1)
+        return atLeft ? text.rightJustified(text.size() + missing, pad[0])
+                      : text.leftJustified(text.size() + missing, pad[0]);
     const QString padding = pad.repeated(missing);
     return atLeft ? padding + text : text + padding;
 }

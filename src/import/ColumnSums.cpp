@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "import/ColumnSums.h"
 
-#include <QHashFunctions>
+#include <functional>
 
 namespace Korvane {
 
@@ -23,7 +23,7 @@ quint64 HashOf(const TImportValue &value, bool isPadded)
 {
     const std::string_view bytes = isPadded ? WithoutTrailingBlanks(value.Bytes) : value.Bytes;
     // The literal of a number and a text of the same digits are not the same value.
-    return Joined(value.Kind, quint64(qHashBits(bytes.data(), bytes.size(), bytes.size())));
+    return Joined(value.Kind, std::hash<std::string_view>()(bytes));
 }
 
 } // namespace

@@ -105,6 +105,8 @@ void TSqlEdits::Append(QString &out, int token, bool withBlanks) const
 QString TSqlEdits::Text(int first, int last) const
 {
     QString out;
+    if (first <= last) // and a little for what the edits add
+        out.reserve((FTokens[size_t(last)].Text.end() - FTokens[size_t(first)].Blanks.begin()) * 9 / 8);
     for (int i = first; i <= last; ++i)
         Append(out, i, true);
     return out;

@@ -312,7 +312,6 @@ qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, const QList
         if (!statement.IsValid())
             continue;
         statement.Bind(parameters);
-        const qint64 mark = kinds[i] == TStepKind::MakesTable ? SchemaMark(*FDatabase) : -1;
         if (rows && statement.ColumnCount() > 0)
             *rows = statement.ReadAll();
         else
@@ -320,8 +319,8 @@ qint64 TSqliteDriver::RunSteps(const TRewrittenStatement &rewritten, const QList
             }
         if (kinds[i] == TStepKind::ChangesRows && sqlite3_stmt_readonly(statement.Handle()) == 0)
             affected += FDatabase->Changes();
-        if (mark >= 0)
-            RecordTables(*FDatabase, mark);
+        if (kinds[i] == TStepKind::MakesTable)
+            RecordNewestTable(*FDatabase);
         else if (kinds[i] == TStepKind::DropsTable)
             ForgetTables(*FDatabase);
     }

@@ -82,23 +82,17 @@ QHash<QString, QDateTime> TablesCreated(TSqliteDatabase &database)
     return tables;
 }
 
-qint64 SchemaMark(TSqliteDatabase &database)
-{
-    // Rows of the schema are numbered in the order in which they are made.
-    return database.Value("select max(rowid) from sqlite_master").toLongLong();
-}
-
-void RecordTables(TSqliteDatabase &database, qint64 mark)
+void RecordNewestTable(TSqliteDatabase &database)
 {
     if (!HasMetadata(database))
         return;
+    // Rows of the schema are numbered in the order in which they are made.
     TSqliteStatement statement(database,
                                "insert or replace into _korvane(Kind, Name, Value) "
-                               "select 'table', name, ?1 from sqlite_master where rowid>?2 and type='table' "
-                               "and name not like 'sqlite\\_%' escape '\\'");
+                               "select 'table', name, ?1 from sqlite_master where type='table' "
+                               "and name not like 'sqlite\\_%' escape '\\' order by rowid desc limit 1");
     const QByteArray now = PresentTime();
     statement.BindText(1, {now.constData(), size_t(now.size())});
-    statement.BindInt(2, mark);
     statement.Step();
 }
 

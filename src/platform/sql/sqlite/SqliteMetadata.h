@@ -26,10 +26,8 @@ void CheckDatabasePassword(TSqliteDatabase &database, const QString &password);
 QDateTime DatabaseCreated(TSqliteDatabase &database);
 /// When each table was made, by name in lower case, as far as that is recorded.
 QHash<QString, QDateTime> TablesCreated(TSqliteDatabase &database);
-/// A mark of the schema as it is, for RecordTables.
-qint64 SchemaMark(TSqliteDatabase &database);
-/// Records the tables made since a mark. Does nothing for a file without metadata.
-void RecordTables(TSqliteDatabase &database, qint64 mark);
+/// Records when the table was made that is the newest one. Does nothing for a file without metadata.
+void RecordNewestTable(TSqliteDatabase &database);
 /// Forgets the tables that are gone. Does nothing for a file without metadata.
 void ForgetTables(TSqliteDatabase &database);
 
