@@ -254,6 +254,10 @@ public:
     void AppendRows(const TDataPacket &packet, qsizetype begin, qsizetype end,
                     std::span<const int> columns = {});
 
+    /// Takes room at once for so many rows in all, by what those are like that are there. As many as
+    /// come may come all the same.
+    void Expect(qsizetype rows);
+
     /// The rows from here on are those of a log, and each is to be ended by EndLogRow.
     void BeginLog(TPacketContent content);
     /// `record` is the row that the entry changes, or the place of an insertion; for

@@ -162,6 +162,26 @@ void TDataPacketBuilder::AppendNullBits(TFilling &filling, const TPacketColumn &
     }
 }
 
+void TDataPacketBuilder::Expect(qsizetype rows)
+{
+    rows = std::min(rows, TDataPacket::MaxRowCount);
+    if (FRowCount == 0 || rows <= FRowCount)
+        return;
+    for (TFilling &filling : FFilling) {
+        TPacketColumn &column = filling.Column;
+        const auto reserve = [rows](auto &values) {
+            if (!values.IsEmpty())
+                values.Reserve(size_t(rows) + 1);
+        };
+        reserve(column.FInt32s);
+        reserve(column.FInt64s);
+        reserve(column.FDoubles);
+        reserve(column.FOffsets);
+        const double bytes = double(column.FArena.Size()) / double(FRowCount) * double(rows);
+        column.FArena.Reserve(size_t(std::min(bytes * 17 / 16, double(FArenaLimit)))); // lengths vary
+    }
+}
+
 void TDataPacketBuilder::BeginLog(TPacketContent content)
 {
     FMarks.Content = content;

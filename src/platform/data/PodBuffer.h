@@ -73,9 +73,14 @@ public:
     /// Sets the size; new places hold anything until they are written.
     void ResizeForWriting(size_t size)
     {
+        Reserve(size);
+        FSize = size;
+    }
+    /// Takes room for a size at once.
+    void Reserve(size_t size)
+    {
         if (size > FCapacity)
             Reallocate(size);
-        FSize = size;
     }
     /// Gives back what is not used.
     void Shrink()

@@ -295,6 +295,8 @@ TDataPacket TOdbcReader::ReadAll()
                 FStatement.Check(SQL_ERROR);
             AppendRow(builder, row);
         }
+        if (builder.RowCount() == qsizetype(rows))
+            builder.Expect(FStatement.RowCount()); // some drivers know how many rows there are
     }
     return std::move(builder).Build();
 }
