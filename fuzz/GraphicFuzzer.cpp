@@ -9,6 +9,9 @@
 
 using namespace Korvane;
 
+/// The list of fonts is kept to the end.
+extern "C" const char *__lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+
 namespace {
 
 /// Fonts are there for the whole run, without a window; what decoders dislike is not told.

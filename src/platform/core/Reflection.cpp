@@ -130,6 +130,12 @@ bool BooleanOf(const QVariant &value)
     return VarToDouble(value) != 0;
 }
 
+[[noreturn]] void RaiseOutOfRange(qint64 number)
+{
+    throw EVariantError(QStringLiteral("数值 %1 超出范围").arg(number));
+}
+
+/// A value of an enumeration's property by name or number.
 QVariant EnumerationOf(const QMetaProperty &property, const QVariant &value)
 {
     const QMetaEnum enumeration = property.enumerator();
@@ -139,7 +145,10 @@ QVariant EnumerationOf(const QMetaProperty &property, const QVariant &value)
         if (ok)
             return number;
     }
-    return VarToInt(value);
+    const int number = VarToInt(value);
+    if (number != 0 && enumeration.isValid() && !enumeration.valueToKey(number))
+        RaiseOutOfRange(number);
+    return number;
 }
 
 template <class T> bool Fits(qint64 number)
@@ -173,7 +182,7 @@ QVariant IntegerOf(int type, const QVariant &value)
 {
     const qint64 number = VarToInt64(value);
     if (!FitsType(number, type))
-        throw EVariantError(QStringLiteral("数值 %1 超出范围").arg(number));
+        RaiseOutOfRange(number);
     return number;
 }
 

@@ -46,7 +46,8 @@ struct TPropInfo
     /// Adds the same to a text; of a number without an allocation.
     void AppendText(const TPersistent &object, QString &text) const;
     /// Writes a value, converting as far as it can: texts to numbers, enumerations by name or
-    /// number, NULL as 0 or the empty text. Raises EPropertyError.
+    /// number, NULL as 0 or the empty text. Raises EPropertyError, also for a number that an enumeration
+    /// does not have.
     void SetValue(TPersistent &object, const QVariant &value) const;
 
     // SetValue of one type each, for rows in bulk: no Variant where the property's own type is

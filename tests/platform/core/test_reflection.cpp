@@ -413,6 +413,8 @@ TEST_F(Reflection, what_does_not_fit_is_refused_and_changes_nothing)
                 {"Tiny", 256},
                 {"Number", "x"},
                 {"Flag", "maybe"},
+                {"Mood", 12},
+                {"Mood", "3"},
                 {"Whole", QVariantList{1}},
                 {"Text", QVariantList{1}},
                 {"Fixed", "x"}};
