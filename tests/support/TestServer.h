@@ -5,6 +5,7 @@
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -71,6 +72,21 @@ inline const char *MissingServer(ServerKind kind)
 {
     return kind == ServerKind::Postgres ? "KORVANE_POSTGRES names no PostgreSQL server"
                                         : "KORVANE_MSSQL names no Microsoft SQL Server";
+}
+
+/// Whether restores have left databases behind. Those of the tests beside this one, which share the
+/// server, go within a moment.
+inline bool HasRestoreLeftovers(const TestServer &server)
+{
+    const auto master = ConnectTo(server.ConnectionString(QStringLiteral("master")));
+    const QString statement =
+        QStringLiteral("select count(*) from master..sysdatabases where name like 'korvane_restore%'");
+    for (int tries = 0; tries < 200; ++tries) {
+        if (Rows(*master, statement) == QLatin1String("0"))
+            return false;
+        QThread::msleep(50);
+    }
+    return true;
 }
 
 /// Who makes a database that a test asks for.
