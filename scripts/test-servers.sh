@@ -71,6 +71,7 @@ make_folder
 trap stop EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
+trap 'exit 141' PIPE # a reader of the output that was ended as well
 
 password=$(od -An -N12 -tx1 /dev/urandom | tr -d ' \n')
 (umask 077 && printf '%s\n' "$password" >"$folder/password")

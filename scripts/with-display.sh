@@ -32,6 +32,7 @@ export XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$folder}"
 trap stop EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
+trap 'exit 141' PIPE # a reader of the output that was ended as well
 
 # Only who has the cookie may connect. The server finds a free number itself, and writes it when it
 # is ready.
